@@ -1,0 +1,22 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "base/Realtime.h"
+
+namespace orvane {
+class SampleBuffer;
+}
+
+namespace orvane::kestrum::core {
+
+/// The late reverb that all loudspeakers of an engine share.
+class IReverbProcessor {
+public:
+    virtual ~IReverbProcessor() = default;
+
+    /// Shape   input [any channels][blockSize]; output [2][blockSize], overwritten.
+    /// Thread  audio thread only.
+    virtual void process(const SampleBuffer& input, SampleBuffer& output) ORVANE_REALTIME = 0;
+};
+
+} // namespace orvane::kestrum::core
