@@ -89,8 +89,9 @@ void EngineManager::runInBackground() {
 }
 
 void EngineManager::rebuild() {
-    std::shared_ptr<IEngine> former; // dies after the lock is released
     const std::lock_guard lock(mutex);
+    std::shared_ptr<IEngine>
+        former; // dies under the lock: whoever waits for it finds nothing left of this rebuild
     reloadPending = false;
     if (!prepared)
         return;

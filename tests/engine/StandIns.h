@@ -75,10 +75,8 @@ public:
         woken = false;
     }
     void wake() override {
-        {
-            const std::lock_guard lock(mutex);
-            woken = true;
-        }
+        const std::lock_guard lock(mutex);
+        woken = true;
         condition.notify_all();
     }
 
