@@ -19,6 +19,13 @@ find_package(Boost 1.74 REQUIRED)
 
 if(KESTRUM_BUILD_PLUGIN)
     find_package(JUCE 7.0.5 REQUIRED)
+    # The framework as our files see it: its folder is a system include, so that our warnings pass it by.
+    add_library(kestrum_framework INTERFACE)
+    add_library(kestrum::framework ALIAS kestrum_framework)
+    target_link_libraries(kestrum_framework INTERFACE juce::juce_audio_processors)
+    target_include_directories(kestrum_framework SYSTEM INTERFACE ${JUCE_MODULES_DIR})
+    target_compile_definitions(kestrum_framework INTERFACE
+        JUCE_WEB_BROWSER=0 JUCE_USE_CURL=0 JUCE_VST3_CAN_REPLACE_VST2=0 JUCE_DISPLAY_SPLASH_SCREEN=0)
 endif()
 if(KESTRUM_BUILD_TOOLS)
     pkg_check_modules(sndfile REQUIRED IMPORTED_TARGET sndfile)
