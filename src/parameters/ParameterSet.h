@@ -39,7 +39,6 @@ public:
     };
 
     ParameterSet();
-    ~ParameterSet() override;
     ParameterSet(const ParameterSet&) = delete;
     ParameterSet& operator=(const ParameterSet&) = delete;
 
