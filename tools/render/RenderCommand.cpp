@@ -32,13 +32,13 @@ constexpr const char* bundleName = "Orvane KESTRUM.vst3";
 constexpr std::uint64_t widestBus = 16;
 constexpr std::uint32_t largestBlock = 65536;
 
-std::string quoted(std::string_view text) { return "\"" + std::string(text) + "\""; }
+std::string inQuotes(std::string_view text) { return "\"" + std::string(text) + "\""; }
 
 std::filesystem::path chooseBundle(const RenderOptions& options) {
     if (!options.plugin)
         return findBundle(std::filesystem::read_symlink("/proc/self/exe").parent_path());
     if (!std::filesystem::is_directory(*options.plugin))
-        throw RenderError("There is no bundle at " + quoted(options.plugin->string()) +
+        throw RenderError("There is no bundle at " + inQuotes(options.plugin->string()) +
                           ": name the folder whose name ends in .vst3 with --plugin.");
     return *options.plugin;
 }
@@ -60,7 +60,7 @@ void checkFiles(const RenderOptions& options) {
 void loadState(host::PluginInstance& plugin, const std::filesystem::path& path) {
     const host::Preset preset = host::readPreset(path);
     if (!equalIgnoringCase(preset.classId, plugin.classId()))
-        throw RenderError("The preset " + quoted(path.string()) +
+        throw RenderError("The preset " + inQuotes(path.string()) +
                           " belongs to another plug-in: name one that was saved by " + plugin.name() + ".");
     plugin.setState(preset.state);
 }
@@ -73,10 +73,10 @@ const Choice& chooseLayout(host::IPlugin& plugin, const Controls& controls, cons
         name = *options.layout;
     } else if (options.state) {
         name = controls.currentText("layout");
-        out << "Layout " << quoted(name) << ", as the state has it.\n";
+        out << "Layout " << inQuotes(name) << ", as the state has it.\n";
     } else if (const auto usual = usualLayout(channelCount)) {
         name = *usual;
-        out << "Layout " << quoted(name) << ", chosen by the input's channel count (" << channelCount
+        out << "Layout " << inQuotes(name) << ", chosen by the input's channel count (" << channelCount
             << "); --layout names another.\n";
     } else {
         throw RenderError("No usual layout has " + std::to_string(channelCount) +
@@ -85,7 +85,7 @@ const Choice& chooseLayout(host::IPlugin& plugin, const Controls& controls, cons
     const Choice& layout = layoutChoices().find(name);
     if (layout.channelCount > channelCount)
         throw RenderError(
-            "The layout " + quoted(layout.name) + " needs " + std::to_string(layout.channelCount) +
+            "The layout " + inQuotes(layout.name) + " needs " + std::to_string(layout.channelCount) +
             " channels and the input has " + std::to_string(channelCount) +
             ": name a smaller one with --layout, or give an input with a channel for each loudspeaker.");
     const ControlValue value = controls.resolve("layout", layout.name);
@@ -130,7 +130,7 @@ void writeJson(const std::filesystem::path& path, const nlohmann::ordered_json& 
     file << facts.dump(2) << "\n";
     file.flush();
     if (!file)
-        throw RenderError("The facts cannot be written to " + quoted(path.string()) +
+        throw RenderError("The facts cannot be written to " + inQuotes(path.string()) +
                           ": name a file in a folder of yours with --json.");
 }
 
@@ -231,7 +231,7 @@ void runRender(const RenderOptions& options, std::ostream& out) {
             "The plug-in returned values that are no numbers: check the input for such values.");
     out << options.output.string() << ": "
         << fixed(static_cast<double>(facts.writtenFrames) / plan.sampleRate, 2) << " s of stereo at "
-        << source.sampleRate() << " Hz, Scene " << quoted(scene) << ", peak "
+        << source.sampleRate() << " Hz, Scene " << inQuotes(scene) << ", peak "
         << (peakDb ? fixed(*peakDb, 1) + " dB" : "none (silence)") << ", "
         << (loudness ? fixed(*loudness, 1) + " LUFS" : "below the loudness gate") << "; the plug-in took "
         << fixed(100 * facts.meanLoad, 1) << " % of real time.\n";
@@ -249,48 +249,41 @@ void addRenderOptions(CLI::App& command, RenderOptions& options) {
     command
         .add_option("IN", options.input,
                     "Sound file of 1 to 16 channels; channel i is loudspeaker i of the layout")
+        ->type_name("FILE")
         ->required();
     command.add_option("OUT", options.output, "Stereo WAV to write, 32-bit float, at the input's rate")
+        ->type_name("FILE")
         ->required();
 
-    command
-        .add_option("--layout", options.layout,
-                    "Loudspeaker layout, such as \"5.1 ITU\"; default: by channel count")
-        ->group("Sound");
-    command.add_option("--scene", options.scene, "Room, such as \"Analytic Dry\"; default: \"Mix Room\"")
-        ->group("Sound");
-    command.add_option("--ambience", options.ambience, "0 to 100; default: 50")->group("Sound");
-    command.add_option("--focus", options.focus, "-100 to 100; default: 0")->group("Sound");
-    command.add_option("--rotation", options.rotation, "Head rotation, -180 to 180 degrees; default: 0")
-        ->group("Sound");
-    command.add_option("--gain", options.gain, "Master gain, -96 to 24 dB; default: 0")->group("Sound");
-    command.add_option("--state", options.state, "Start from this .vstpreset; other options go on top")
-        ->group("Sound");
-    command
-        .add_option("--save-state", options.saveState,
-                    "Write the plug-in's state at the end to this .vstpreset")
-        ->group("Sound");
+    const auto add = [&command](const char* group, const char* name, auto& target, const char* type,
+                                const char* text) {
+        return command.add_option(name, target, text)->type_name(type)->group(group);
+    };
+    add("Sound", "--layout", options.layout, "NAME",
+        "Loudspeaker layout, such as \"5.1 ITU\"; default: by channel count");
+    add("Sound", "--scene", options.scene, "NAME", "Room, such as \"Analytic Dry\"; default: \"Mix Room\"");
+    add("Sound", "--ambience", options.ambience, "NUMBER", "0 to 100; default: 50");
+    add("Sound", "--focus", options.focus, "NUMBER", "-100 to 100; default: 0");
+    add("Sound", "--rotation", options.rotation, "DEGREES", "Head rotation, -180 to 180; default: 0");
+    add("Sound", "--gain", options.gain, "DB", "Master gain, -96 to 24; default: 0");
+    add("Sound", "--state", options.state, "FILE", "Start from this .vstpreset; other options go on top");
+    add("Sound", "--save-state", options.saveState, "FILE",
+        "Write the plug-in's state at the end to this .vstpreset");
 
-    command.add_option("--block", options.block, "Host block in samples; default: 512")->group("Feeding");
-    command
-        .add_option("--varying-blocks", options.varyingBlocks, "Seed: host blocks of 1 to --block samples")
-        ->group("Feeding");
-    command.add_option("--automation", options.automation, "CSV file with lines seconds,parameter,value")
-        ->group("Feeding");
-    command
-        .add_option("--settle", options.settleMilliseconds,
-                    "Milliseconds to pause feeding after an automated layout or Scene; default: 250")
-        ->check(CLI::Range(0.0, 60000.0).description(""))
-        ->group("Feeding");
+    add("Feeding", "--block", options.block, "N", "Host block in samples; default: 512");
+    add("Feeding", "--varying-blocks", options.varyingBlocks, "SEED", "Host blocks of 1 to --block samples");
+    add("Feeding", "--automation", options.automation, "FILE", "CSV file with lines seconds,parameter,value");
+    add("Feeding", "--settle", options.settleMilliseconds, "MS",
+        "Pause in feeding after an automated layout or Scene; default: 250")
+        ->check(CLI::Range(0.0, 60000.0).description(""));
     command.add_flag("--realtime", options.realtime, "Feed no faster than the clock")->group("Feeding");
     command
         .add_flag("--raw", options.raw,
                   "Keep the plug-in's exact stream: latency kept, whole blocks, no tail")
         ->group("Feeding");
 
-    command.add_option("--plugin", options.plugin, "Bundle to load; default: the one beside this program")
-        ->group("Files");
-    command.add_option("--json", options.json, "Write the facts of the run to this file")->group("Files");
+    add("Files", "--plugin", options.plugin, "PATH", "Bundle to load; default: the one beside this program");
+    add("Files", "--json", options.json, "FILE", "Write the facts of the run to this file");
 
     command.footer(
         "Examples:\n"
@@ -313,7 +306,7 @@ void addRenderCommands(CLI::App& program) {
     const auto demo = std::make_shared<std::filesystem::path>();
     CLI::App* const demoCommand =
         program.add_subcommand("demo", "Writes a 5.1 ITU file that speaks the name of each channel in turn");
-    demoCommand->add_option("OUT", *demo, "WAV file to write, six channels")->required();
+    demoCommand->add_option("OUT", *demo, "WAV file to write, six channels")->type_name("FILE")->required();
     demoCommand->callback([demo] {
         writeDemoInput(*demo);
         std::cout << demo->string()
