@@ -33,15 +33,15 @@ std::vector<Complex> spectrumOf(RealTransform& transform, const test::Signal& ti
 /// longer ones and two products. 2e-7 is about three units in the last place per stage.
 double relativeTolerance(std::size_t length) { return 2e-7 * (2.0 + std::log2(static_cast<double>(length))); }
 
-/// Direct lengths, lengths with a prime factor above 13 (the clarity lengths at 48, 96 and 192 kHz among
-/// them), odd and tiny ones.
+/// Lengths of both methods; 278, 556 and 1112 are the clarity lengths at 48, 96 and 192 kHz.
 class TransformLengths : public ::testing::TestWithParam<std::size_t> {};
 
-INSTANTIATE_TEST_SUITE_P(SmoothOnes, TransformLengths,
-                         ::testing::Values(1, 2, 3, 4, 5, 8, 13, 26, 64, 120, 126, 128, 140, 143, 256, 312,
-                                           960, 1024, 2002, 4096));
+INSTANTIATE_TEST_SUITE_P(EvenSmoothOnes, TransformLengths,
+                         ::testing::Values(2, 4, 8, 26, 64, 120, 126, 128, 140, 256, 312, 960, 1024, 2002,
+                                           4096));
+INSTANTIATE_TEST_SUITE_P(OddOnes, TransformLengths, ::testing::Values(1, 3, 5, 13, 21, 45, 143, 997, 4095));
 INSTANTIATE_TEST_SUITE_P(OnesWithALargePrimeFactor, TransformLengths,
-                         ::testing::Values(17, 19, 34, 38, 127, 278, 556, 997, 1018, 1112, 2018, 2224, 4054));
+                         ::testing::Values(34, 38, 254, 278, 556, 1018, 1112, 2018, 2224, 4054));
 
 TEST_P(TransformLengths, ForwardAgreesWithTheDefinition) {
     const std::size_t length = GetParam();
@@ -51,7 +51,8 @@ TEST_P(TransformLengths, ForwardAgreesWithTheDefinition) {
     const auto spectrum = spectrumOf(transform, time);
     const double scale = std::sqrt(static_cast<double>(length)); // of a bin of white noise
     for (std::size_t k = 0; k < expected.size(); ++k) {
-        const std::complex<double> bin(static_cast<double>(spectrum[k].re), static_cast<double>(spectrum[k].im));
+        const std::complex<double> bin(static_cast<double>(spectrum[k].re),
+                                       static_cast<double>(spectrum[k].im));
         ASSERT_LE(std::abs(bin - expected[k]), scale * relativeTolerance(length)) << "bin " << k;
     }
 }
@@ -83,7 +84,8 @@ TEST_P(TransformLengths, ThereAndBackMultipliesByTheLength) {
     transform.backward(spectrum.data(), back.data());
     for (float& sample : back)
         sample /= static_cast<float>(length);
-    EXPECT_THAT(back, test::CloseTo(time, test::Tolerance{static_cast<float>(2.0 * relativeTolerance(length))}));
+    EXPECT_THAT(back,
+                test::CloseTo(time, test::Tolerance{static_cast<float>(2.0 * relativeTolerance(length))}));
 }
 
 TEST_P(TransformLengths, ADelayedImpulseGivesUnitBinsWhosePhaseTurnsEvenly) {
@@ -162,7 +164,8 @@ TEST(RealTransform, RunsEveryEvenLengthThatAHostMightAskForWithoutAllocationOrLo
     // Transforms are twice a block: all blocks up to 1024, then the usual long ones.
     for (std::size_t block = 1; block <= 1024; ++block)
         ASSERT_EQ(violationsOf(2 * block), test::RealtimeViolations{}) << block;
-    for (const std::size_t block : {1920u, 2048u, 3000u, 4096u, 4410u, 4800u, 8192u, 16384u, 32768u, 8191u})
+    for (const std::size_t block :
+         {1920u, 2048u, 3000u, 4096u, 4410u, 4800u, 8192u, 16384u, 32768u, 65536u, 8191u, 65521u})
         ASSERT_EQ(violationsOf(2 * block), test::RealtimeViolations{}) << block;
 }
 
