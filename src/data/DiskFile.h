@@ -3,28 +3,36 @@
 
 #include "data/IIrFile.h"
 
+#include <utility>
+
 namespace orvane {
 
-/// A file of the data folder.
 class DiskFile final : public IIrFile {
 public:
-    DiskFile(std::string path, double sampleRate, bool upsampled, std::int32_t nativeSampleRate,
-             std::uint64_t length) noexcept;
+    DiskFile(std::string filePath, double runningRate, bool isStoredLower, std::int32_t storedRate,
+             std::uint64_t responseLength)
+        : filePath(std::move(filePath)),
+          upsampled(isStoredLower),
+          nativeRate(storedRate),
+          samples(responseLength),
+          rate(runningRate) {}
 
-    std::string label() const override;
-    std::string path() const override;
-    bool isUpsampled() const noexcept override;
-    std::int32_t nativeSampleRate() const noexcept override;
-    std::uint64_t length() const noexcept override;
-    std::uint64_t responseCount() const noexcept override;
-    double sampleRate() const noexcept override;
+    std::string label() const override { return fileLabel; }
+    std::string path() const override { return filePath; }
+    bool isUpsampled() const noexcept override { return upsampled; }
+    std::int32_t nativeSampleRate() const noexcept override { return nativeRate; }
+    std::uint64_t length() const noexcept override { return samples; }
+    std::uint64_t responseCount() const noexcept override { return responses; }
+    double sampleRate() const noexcept override { return rate; }
 
 private:
+    std::uint64_t responses = 2522; ///< 72 azimuths times 35 elevations, and the two poles.
+    std::string fileLabel = "0";
     std::string filePath;
-    bool upsampled = false;
-    std::int32_t storedRate = 48000;
-    std::uint64_t responseLength = 0;
-    double runningRate = 44100.0;
+    bool upsampled;
+    std::int32_t nativeRate;
+    std::uint64_t samples;
+    double rate;
 };
 
 } // namespace orvane

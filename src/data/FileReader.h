@@ -5,17 +5,12 @@
 
 namespace orvane {
 
-/// Reads the container of reverb responses. Little-endian throughout:
+/// The reverb container: 2 bytes that are not read, a table of 32-bit offsets in stereo frames from the
+/// table's end, then stereo frames of 32-bit floats. Little-endian. Stateless.
 ///
-///     2 bytes          not read
-///     4 * tableSize    entry k, counted from 1: where response k starts, in frames from the table's end
-///     8 per frame      32-bit float left, 32-bit float right
-///
-/// The container does not say how long a response is; the caller knows.
-///
-/// Thread  any, several at once; stateless. Reads a file.
-/// Errors  every position is computed in 64 bits and a start that lies outside the file gives zeros, so a
-///         damaged table can neither overflow nor lead outside.
+/// Positions are computed in 64 bits: whatever the table says, a start outside the file gives zeros. A file
+/// that ends before the entry of the table is not readable.
+/// Deliberate: entry 0, which rooms without a reverb ask for, gives zeros, but the file has to be there.
 class FileReader final : public IFileReader {
 public:
     std::vector<float> read(const std::string& path, std::uint64_t floatCount, std::uint32_t tableSize,

@@ -7,15 +7,14 @@
 
 namespace orvane {
 
-/// Takes one response out of a container of many.
+/// Takes one response out of a container with a table of offsets.
 class IFileReader {
 public:
     virtual ~IFileReader() = default;
 
-    /// Shape   result [floatCount], stereo frames interleaved left, right; zeros where the file ends early.
-    /// Units   entry counts from 1.
-    /// @param tableSize entries of the container's table, read or not.
-    /// @throws wavNotReadableException, whatever went wrong.
+    /// Shape   [floatCount], interleaved left and right; what the file does not hold stays 0.
+    /// @param tableSize entries of the table; @param entry counted from 1.
+    /// Errors  wavNotReadableException, the only one.
     virtual std::vector<float> read(const std::string& path, std::uint64_t floatCount,
                                     std::uint32_t tableSize, std::uint32_t entry) const = 0;
 };

@@ -1,20 +1,19 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "data/IIrFile.h"
+
 #include <vector>
 
 namespace orvane {
 
-class IIrFile;
-
-/// Reads a whole set of head-related responses.
+/// Fills the HRIR store from the file of a rate.
 class IHrirReader {
 public:
     virtual ~IHrirReader() = default;
 
-    /// Shape   samples is resized to [responseCount][length][2]: response after response, frames interleaved.
-    /// Thread  one at a time; reads a file.
-    /// @throws the exceptions of data/DataFileExceptions.h; `samples` is then without meaning.
+    /// Shape   samples [2 * length * responseCount], resized here: interleaved stereo at the running rate.
+    /// Errors  the exceptions of readWaveFrames().
     virtual void read(const IIrFile& file, std::vector<float>& samples) = 0;
 };
 

@@ -6,9 +6,7 @@
 
 namespace orvane {
 
-/// Describes one data file for one running rate, without opening it.
-///
-/// Thread  any; immutable.
+/// Describes the data file of one running rate; opens nothing.
 class IIrFile {
 public:
     virtual ~IIrFile() = default;
@@ -18,18 +16,10 @@ public:
 
     /// True when the running rate is a multiple of the stored one.
     virtual bool isUpsampled() const noexcept = 0;
-
-    /// Rate of the stored material, in hertz.
-    virtual std::int32_t nativeSampleRate() const noexcept = 0;
-
-    /// Samples per ear of one head-related response at the running rate.
-    virtual std::uint64_t length() const noexcept = 0;
-
-    /// Head-related responses in the file.
+    virtual std::int32_t nativeSampleRate() const noexcept = 0; ///< Hertz, as stored.
+    virtual std::uint64_t length() const noexcept = 0; ///< Samples per ear of one response, running rate.
     virtual std::uint64_t responseCount() const noexcept = 0;
-
-    /// The running rate in hertz, as it was asked for.
-    virtual double sampleRate() const noexcept = 0;
+    virtual double sampleRate() const noexcept = 0; ///< Hertz, running.
 };
 
 } // namespace orvane

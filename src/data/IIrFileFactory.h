@@ -8,15 +8,14 @@
 
 namespace orvane {
 
-/// Knows which file of the data folder belongs to which running rate.
+/// Knows which file belongs to which running rate.
 class IIrFileFactory {
 public:
     virtual ~IIrFileFactory() = default;
 
-    /// @param sampleRate hertz; fractions are cut off.
-    /// @param stem begins with "/": "/OVNdata12" for head-related, "/OVNdata51" for reverb responses.
-    /// @param dataDirectory without a separator at its end.
-    /// @throws sampleRateNotSupportedException; nothing is opened, so no file is missed here.
+    /// Units   sampleRate in hertz, truncated to an integer.
+    /// @param stem begins with a slash; @param dataDirectory has none at its end.
+    /// @throws sampleRateNotSupportedException for a rate outside the table.
     virtual std::unique_ptr<IIrFile> create(double sampleRate, const std::string& stem,
                                             const std::string& dataDirectory) const = 0;
 };

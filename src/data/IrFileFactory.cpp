@@ -5,30 +5,24 @@
 #include "data/DiskFile.h"
 
 #include <algorithm>
-#include <cmath>
+#include <iterator>
 
 namespace orvane {
 
 namespace {
 
+/// One running rate: the file's suffix, the rate stored in it, and the samples of a head-related response.
 struct RateRow {
-    std::int32_t rate = 0;       ///< Running rate in hertz.
-    const char* suffix = "";     ///< Of the file's name.
-    std::int32_t nativeRate = 0; ///< Rate of the file in hertz.
-    std::uint64_t length = 0;    ///< Samples per ear of a head-related response at the running rate.
+    std::int32_t sampleRate;
+    const char* suffix;
+    std::int32_t nativeSampleRate;
+    std::uint64_t length;
 };
 
-// clang-format off
 constexpr RateRow rates[]{
-    { 24000, "2", 24000,  70},
-    { 44100, "0", 44100, 128},
-    { 48000, "1", 48000, 139},
-    { 88200, "0", 44100, 256},
-    { 96000, "1", 48000, 278},
-    {176400, "0", 44100, 512},
-    {192000, "1", 48000, 556},
+    {24000, "2", 24000, 70},  {44100, "0", 44100, 128},  {48000, "1", 48000, 139},  {88200, "0", 44100, 256},
+    {96000, "1", 48000, 278}, {176400, "0", 44100, 512}, {192000, "1", 48000, 556},
 };
-// clang-format on
 
 constexpr const char* extension = ".dat";
 
@@ -36,14 +30,16 @@ constexpr const char* extension = ".dat";
 
 std::unique_ptr<IIrFile> IrFileFactory::create(double sampleRate, const std::string& stem,
                                                const std::string& dataDirectory) const {
-    // Compared as doubles: a rate beyond the integers, or none at all, must not be converted.
-    const double whole = std::trunc(sampleRate);
+    // Compared as a whole number below the next one, so that no rate is too large for an integer.
     const auto* const row =
-        std::ranges::find_if(rates, [&](const RateRow& candidate) { return candidate.rate == whole; });
+        std::find_if(std::begin(rates), std::end(rates), [sampleRate](const RateRow& candidate) {
+            return sampleRate >= candidate.sampleRate && sampleRate < candidate.sampleRate + 1;
+        });
     if (row == std::end(rates))
         throw sampleRateNotSupportedException();
     return std::make_unique<DiskFile>(dataDirectory + stem + row->suffix + extension, sampleRate,
-                                      row->rate != row->nativeRate, row->nativeRate, row->length);
+                                      row->sampleRate != row->nativeSampleRate, row->nativeSampleRate,
+                                      row->length);
 }
 
 } // namespace orvane

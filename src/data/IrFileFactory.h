@@ -5,8 +5,7 @@
 
 namespace orvane {
 
-/// Three native rates, and the doubled and fourfold rates that are derived from two of them.
-/// Stateless: cheap to make on the stack, fit for several threads at once.
+/// Seven running rates over three stored ones. Cheap, made on the stack where it is needed.
 class IrFileFactory final : public IIrFileFactory {
 public:
     std::unique_ptr<IIrFile> create(double sampleRate, const std::string& stem,

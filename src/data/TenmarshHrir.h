@@ -5,55 +5,60 @@
 #include "data/IHrirReader.h"
 
 #include <atomic>
+#include <cstdint>
 #include <memory>
 #include <mutex>
+#include <string>
 #include <vector>
 
 namespace orvane {
 
-/// The store of head-related responses: 73 azimuths from -180 to +180 by 37 elevations from -90 to +90, 5
-/// degrees apart, once as measured and once synthetic (one impulse per ear).
+/// The measured head of the running rate, and a synthetic one beside it: a pair of impulses per direction
+/// that carry only a time and a level difference.
 ///
-///     load() ──builds──> immutable table of one rate ──atomic pointer──> length(), getResponse(), ...
+/// Shape   responses on a grid of 73 azimuths (-180 to +180) by 37 elevations (-90 to +90), 5 degrees apart.
+///         A direction truncates to its cell.
+/// Thread  load() on setup threads, serialised by a mutex. Lookups from any thread, wait-free: they read an
+///         immutable table through an atomic pointer, which is stored (release) after the table is complete
+///         and loaded (acquire) once per lookup.
 ///
-/// Hand-over: a table is complete before its pointer is stored (release) and is read through one load of that
-/// pointer (acquire), so every lookup sees one table whole. Tables are never changed and live as long as the
-/// store, one per rate that was ever loaded (at most seven), because a reader on an audio thread cannot be
-/// asked whether it is done. Returning to an earlier rate therefore puts its table back into service without
-/// reading the file again.
+/// Tables live as long as the store, one per rate and content, because nobody can tell when the last lookup
+/// of another instance has left one. Coming back to an earlier rate reads its file again, as the data folder
+/// may have changed, and finds the table that is already there. So no lookup is torn or touches freed memory
+/// while another instance loads.
 ///
-/// Plug-in instances at different rates take turns: the last load() wins. Whoever was built for another
-/// length gets what fits into its buffer, and silence behind a shorter response.
+/// Instances at different rates take turns: the last load() wins. A renderer that was built for one rate and
+/// meets the table of another gets as much of it as its buffer holds.
 class TenmarshHrir final : public IHrir {
 public:
-    explicit TenmarshHrir(std::unique_ptr<IHrirReader> reader) noexcept;
+    explicit TenmarshHrir(std::unique_ptr<IHrirReader> reader);
     ~TenmarshHrir() override;
+    TenmarshHrir(const TenmarshHrir&) = delete;
+    TenmarshHrir& operator=(const TenmarshHrir&) = delete;
 
-    /// The one store of the process, made at the first call. Safe from several threads at once.
-    /// @param reader taken by the first call; later ones discard theirs.
-    static TenmarshHrir& processWide(std::unique_ptr<IHrirReader> reader);
-
-    /// @throws also notEnoughSpaceForHRTFsException, when the file has more responses than there are places.
     void load(std::int32_t sampleRate, const std::string& dataDirectory) override;
     std::int32_t bandLimitFactor() const noexcept ORVANE_REALTIME override;
     std::uint64_t length() const noexcept ORVANE_REALTIME override;
 
-    /// Copies the smaller of length() and the buffer's length; what the buffer holds beyond length() becomes
-    /// 0, so that no tail of an earlier, longer response stays. Before the first load the whole buffer
-    /// becomes 0.
+    /// Copies the smaller of length() and the buffer's length. Leaves the samples behind that as they are
+    /// (the renderers clear their buffers first), and before the first load the whole of `out`.
     void getResponse(SampleBuffer& out, std::int32_t azimuthDegrees, std::int32_t elevationDegrees,
                      bool simple) const noexcept ORVANE_REALTIME override;
 
 private:
     struct Table;
 
-    static std::unique_ptr<const Table> readTable(IHrirReader& reader, std::int32_t sampleRate,
-                                                  const std::string& dataDirectory);
+    const Table* keep(std::unique_ptr<const Table> table);
 
     std::unique_ptr<IHrirReader> reader;
-    std::mutex loadMutex;                             ///< Guards reader and tables.
-    std::vector<std::unique_ptr<const Table>> tables; ///< One per loaded rate, in order of first load.
-    std::atomic<const Table*> current{nullptr};       ///< Into `tables`; null until the first load.
+    std::atomic<const Table*> current{nullptr}; ///< One of `tables`.
+    std::mutex loadMutex;
+    std::vector<std::unique_ptr<const Table>> tables; ///< Guarded by `loadMutex`; only ever grows.
 };
+
+/// The store of the process, shared by all instances; made on first use.
+///
+/// @param reader taken by the first call; later ones discard theirs.
+IHrir* processWideHrir(std::unique_ptr<IHrirReader> reader);
 
 } // namespace orvane

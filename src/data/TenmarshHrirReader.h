@@ -5,8 +5,10 @@
 
 namespace orvane {
 
-/// Reads the set from its WAV file; at a doubled or fourfold rate the stored frames are spread with zeros
-/// between, without an anti-imaging filter.
+/// Reads the RIFF/WAVE files of the data folder.
+///
+/// Deliberate: a response of a higher rate is the stored one with zeros between its samples and no
+/// anti-imaging filter; the convolver keeps only the bins below the stored Nyquist frequency instead.
 class TenmarshHrirReader final : public IHrirReader {
 public:
     void read(const IIrFile& file, std::vector<float>& samples) override;

@@ -1,26 +1,29 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "data/IIrFile.h"
+
 #include <cstdint>
 #include <vector>
 
 namespace orvane {
 
-class IIrFile;
-
-/// Fills the front of `samples` from the WAV file that `file` describes.
+/// Fills the front of `samples` with the first `frames` frames of a RIFF/WAVE file: 16-bit integers scaled by
+/// 1/32768, or 32-bit floats unchanged.
 ///
-/// Only the fields that matter are looked at: channels at byte 22, bits per sample at 34, and the data chunk.
-/// Deliberate: the data chunk is found as the first letter 'd' at or after byte 36, not by walking chunks,
-/// and 32 bits are taken as floats whatever the format tag says.
-///
-/// Shape   samples [at least frames * channels], not resized; frames interleaved.
-/// Thread  any, several at once; reads a file.
-/// Errors  throws, in this order of checks: sampleRateFileNotFoundException when the file does not open,
-///         numberOfChannelsMismatchException, wavNotReadableException when the file ends inside its header or
-///         has no data chunk, wavChunckSizeShortException when the chunk claims fewer samples than wanted or
-///         the file ends before them, wavBitWrongException when a sample is neither 32 nor 16 bits.
+/// Shape   samples [at least frames * channels], interleaved.
+/// Errors  every byte of the file is taken as hostile. sampleRateFileNotFoundException: no such file;
+///         numberOfChannelsMismatchException; wavChunckSizeShortException: the data chunk says it is too
+///         short; wavBitWrongException: neither 16 nor 32 bits; wavNotReadableException: anything else, a
+///         file that ends too early included.
 void readWaveFrames(const IIrFile& file, std::vector<float>& samples, std::uint64_t frames,
                     std::uint16_t channels);
+
+/// Spreads interleaved frames in place from a stored rate to a running rate that is a multiple of it: each
+/// frame at `toRate / fromRate` times its old position, zeros between. No scaling, no filter.
+///
+/// Shape   samples [grown frames * channels]: the stored frames at the front, zeros behind.
+void zeroStuff(std::vector<float>& samples, std::int32_t fromRate, std::int32_t toRate,
+               std::uint16_t channels);
 
 } // namespace orvane
