@@ -4,6 +4,7 @@
 #include "data/Arrivals.h"
 
 #include <algorithm>
+#include <cmath>
 #include <numbers>
 
 namespace orvane::kestrum::tools {
@@ -86,14 +87,25 @@ AlignedResponse mixResponses(const AlignedSet& set, std::span<const SiteWeight> 
     mixed.direction = direction;
     for (Spectrum& ear : mixed.ears)
         ear.assign(set.transformSize / 2 + 1, 0);
+    std::array<Samples, 2> power;
+    for (Samples& ear : power)
+        ear.resize(set.transformSize / 2 + 1);
     for (const SiteWeight& weight : weights) {
         const AlignedResponse& site = set.responses[weight.site];
         for (std::size_t ear = 0; ear < 2; ++ear) {
             mixed.arrivalSeconds[ear] += weight.value * site.arrivalSeconds[ear];
             addScaled(mixed.ears[ear], site.ears[ear], weight.value);
+            for (std::size_t bin = 0; bin < power[ear].size(); ++bin)
+                power[ear][bin] += weight.value * std::norm(site.ears[ear][bin]);
         }
         mixed.modelled = mixed.modelled || site.modelled;
     }
+    if (weights.size() > 1)
+        for (std::size_t ear = 0; ear < 2; ++ear) {
+            std::ranges::transform(power[ear], power[ear].begin(),
+                                   [](double value) { return std::sqrt(value); });
+            restorePower(mixed.ears[ear], power[ear]);
+        }
     return mixed;
 }
 

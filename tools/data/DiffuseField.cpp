@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <functional>
 
 namespace orvane::kestrum::tools {
 
@@ -17,22 +18,6 @@ Samples diffuseField(const AlignedSet& set, std::span<const double> weights) {
     }
     std::ranges::transform(power, power.begin(), [sum](double value) { return std::sqrt(value / sum); });
     return power;
-}
-
-Samples smoothed(const Samples& magnitudes, double octaves) {
-    Samples sums(magnitudes.size() + 1);
-    for (std::size_t bin = 0; bin < magnitudes.size(); ++bin)
-        sums[bin + 1] = sums[bin] + magnitudes[bin] * magnitudes[bin];
-    const double half = std::exp2(octaves / 2);
-    Samples result(magnitudes.size());
-    for (std::size_t bin = 1; bin < magnitudes.size(); ++bin) {
-        const double centre = static_cast<double>(bin);
-        const auto from = static_cast<std::size_t>(std::lround(centre / half));
-        const auto to = std::min(magnitudes.size() - 1, static_cast<std::size_t>(std::lround(centre * half)));
-        result[bin] = std::sqrt((sums[to + 1] - sums[from]) / static_cast<double>(to + 1 - from));
-    }
-    result[0] = result[1];
-    return result;
 }
 
 Spectrum inverseOf(const Samples& diffuseMagnitudes, double binWidthHz, const EqualisationLimits& limits) {

@@ -21,10 +21,6 @@ struct EqualisationLimits {
 /// @param weights one per response, any common scale.
 Samples diffuseField(const AlignedSet& set, std::span<const double> weights);
 
-/// Mean power over a window as wide as `octaves`, in every bin; the bin at 0 Hz takes the value of the first
-/// above it.
-Samples smoothed(const Samples& magnitudes, double octaves);
-
 /// The bounded, smoothed minimum-phase inverse of a diffuse field.
 Spectrum inverseOf(const Samples& diffuseMagnitudes, double binWidthHz, const EqualisationLimits& limits);
 

@@ -2,18 +2,18 @@
 #include "data/LowerCap.h"
 
 #include "data/DataError.h"
-#include "data/DiffuseField.h"
 
 #include <algorithm>
 #include <cmath>
+#include <functional>
 #include <numbers>
+#include <utility>
 
 namespace orvane::kestrum::tools {
 
 namespace {
 
 constexpr int ringAzimuths = 72;
-constexpr double lossOctaves = 1.0 / 3;
 
 double ringGapDegrees(const std::vector<Direction>& sites, double elevation) {
     double gap = 0;
@@ -90,23 +90,17 @@ public:
                 head.arrivalSeconds(direction, ear) + lag + share * (meanLag[ear] - lag);
             const Spectrum there = transform.minimumPhase(head.levels(direction, ear));
             const Spectrum ring = transform.minimumPhase(head.levels(above.direction, ear));
-            result.ears[ear].resize(transform.binCount());
-            Samples mixedLevel(transform.binCount());
-            Samples meantLevel(transform.binCount());
+            Samples meant(transform.binCount());
+            Spectrum mixed(transform.binCount());
             for (std::size_t bin = 0; bin < transform.binCount(); ++bin) {
                 const std::complex<double> addition = above.ears[ear][bin] / ring[bin];
                 const std::complex<double> mean = meanAddition[ear][bin];
-                const std::complex<double> mixed = addition + share * (mean - addition);
-                result.ears[ear][bin] = there[bin] * mixed;
-                mixedLevel[bin] = std::abs(mixed);
-                meantLevel[bin] = std::sqrt((1 - share) * std::norm(addition) + share * std::norm(mean));
+                mixed[bin] = addition + share * (mean - addition);
+                meant[bin] = std::sqrt((1 - share) * std::norm(addition) + share * std::norm(mean));
             }
-            // What the mix still loses to scattered phases is given back in broad bands.
-            const Samples lost = smoothed(mixedLevel, lossOctaves);
-            const Samples meant = smoothed(meantLevel, lossOctaves);
-            for (std::size_t bin = 0; bin < transform.binCount(); ++bin)
-                if (lost[bin] > 0)
-                    result.ears[ear][bin] *= meant[bin] / lost[bin];
+            restorePower(mixed, meant);
+            result.ears[ear] = std::move(mixed);
+            std::ranges::transform(result.ears[ear], there, result.ears[ear].begin(), std::multiplies<>());
         }
         return result;
     }

@@ -92,4 +92,29 @@ Samples magnitudesOf(const Spectrum& spectrum) {
     return magnitudes;
 }
 
+Samples smoothed(const Samples& magnitudes, double octaves) {
+    Samples sums(magnitudes.size() + 1);
+    for (std::size_t bin = 0; bin < magnitudes.size(); ++bin)
+        sums[bin + 1] = sums[bin] + magnitudes[bin] * magnitudes[bin];
+    const double half = std::exp2(octaves / 2);
+    Samples result(magnitudes.size());
+    for (std::size_t bin = 1; bin < magnitudes.size(); ++bin) {
+        const double centre = static_cast<double>(bin);
+        const auto from = static_cast<std::size_t>(std::lround(centre / half));
+        const auto to = std::min(magnitudes.size() - 1, static_cast<std::size_t>(std::lround(centre * half)));
+        result[bin] = std::sqrt((sums[to + 1] - sums[from]) / static_cast<double>(to + 1 - from));
+    }
+    result[0] = result[1];
+    return result;
+}
+
+void restorePower(Spectrum& mixed, const Samples& meantMagnitudes) {
+    constexpr double bandOctaves = 1.0 / 3;
+    const Samples present = smoothed(magnitudesOf(mixed), bandOctaves);
+    const Samples meant = smoothed(meantMagnitudes, bandOctaves);
+    for (std::size_t bin = 0; bin < mixed.size(); ++bin)
+        if (present[bin] > 0)
+            mixed[bin] *= meant[bin] / present[bin];
+}
+
 } // namespace orvane::kestrum::tools

@@ -54,4 +54,14 @@ void delaySpectrum(Spectrum& spectrum, double delaySamples);
 /// Magnitudes of all bins.
 Samples magnitudesOf(const Spectrum& spectrum);
 
+/// Root of the mean power over a window as wide as `octaves`, in every bin; the bin at 0 Hz takes the value
+/// of the one above.
+Samples smoothed(const Samples& magnitudes, double octaves);
+
+/// Gives a mix the power that it was meant to have, in bands a third of an octave wide: where the mixed
+/// responses disagree in phase, above all in the treble, a plain mix is too soft. A mix that has its power is
+/// left as it is.
+/// @param meantMagnitudes one per bin.
+void restorePower(Spectrum& mixed, const Samples& meantMagnitudes);
+
 } // namespace orvane::kestrum::tools
