@@ -1,0 +1,29 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+namespace orvane {
+
+/// Hears of changes that a running engine cannot follow.
+class IReloadListener {
+public:
+    virtual ~IReloadListener() = default;
+
+    /// Called synchronously on the thread of the change, so it has to be cheap: it sets a flag.
+    virtual void reloadRequested() = 0;
+};
+
+/// The rendering parameter set as the engine manager sees it.
+///
+/// Thread  listeners are attached before values change and detached after; the list is guarded by nothing.
+class IReloadNotifier {
+public:
+    virtual ~IReloadNotifier() = default;
+
+    /// Appends. @param listener borrowed until it is removed.
+    virtual void addReloadListener(IReloadListener* listener) = 0;
+
+    /// Removes every occurrence of `listener`.
+    virtual void removeReloadListener(IReloadListener* listener) = 0;
+};
+
+} // namespace orvane

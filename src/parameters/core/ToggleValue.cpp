@@ -1,0 +1,14 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "parameters/core/ToggleValue.h"
+
+namespace orvane::kestrum::core {
+
+void ToggleValue::setValue(bool newValue) {
+    if (newValue == getValue())
+        return;
+    value.store(newValue, std::memory_order_relaxed);
+    for (Listener* const listener : listeners)
+        listener->valueChanged();
+}
+
+} // namespace orvane::kestrum::core
