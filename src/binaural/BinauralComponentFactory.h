@@ -1,0 +1,24 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "binaural/IBinauralComponentFactory.h"
+
+namespace orvane {
+
+/// Stateless: one instance serves every thread.
+class BinauralComponentFactory final : public IBinauralComponentFactory {
+public:
+    std::unique_ptr<IUpdateChecker> createUpdateChecker(ISpatialParameterSetView* view, bool watchSource,
+                                                        bool watchRoom) const override;
+    std::unique_ptr<ICrossFader> createCrossFader(std::uint64_t channels,
+                                                  std::uint64_t length) const override;
+    std::unique_ptr<IInPlaceProcessor> createOcclusionProcessor(float sampleRate, const float* amount,
+                                                                std::uint64_t channelCount) const override;
+    std::unique_ptr<IInPlaceProcessor> createClarityProcessor(std::uint64_t length,
+                                                              const float* amount) const override;
+    std::unique_ptr<IInPlaceProcessor> createDirectFilterRenderer(float sampleRate,
+                                                                  ISpatialParameterSetView* view, IHrir* hrir,
+                                                                  bool simple) const override;
+};
+
+} // namespace orvane

@@ -1,0 +1,16 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "data/IFileReader.h"
+
+namespace orvane {
+
+/// The reverb container: 2 bytes that are not read, a table of 32-bit offsets in stereo frames from the
+/// table's end, then stereo frames of 32-bit floats. Little-endian. Stateless.
+class FileReader final : public IFileReader {
+public:
+    std::vector<float> read(const std::string& path, std::uint64_t floatCount, std::uint32_t tableSize,
+                            std::uint32_t entry) const override;
+};
+
+} // namespace orvane

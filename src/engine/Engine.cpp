@@ -1,0 +1,105 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "engine/Engine.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace orvane::kestrum::core {
+
+namespace {
+
+constexpr float lowFrequencyCutoffHz = 80.0f;
+constexpr float lowFrequencyQ = 1.0f;
+constexpr float lowFrequencyInputGain = 3.1622777f; // +10 dB
+constexpr float lowFrequencyDistanceMetres = 1.5f;
+
+using Ring = boost::circular_buffer<float>;
+
+void pop(Ring& ring, float* target, std::uint64_t count) noexcept {
+    std::copy_n(ring.begin(), count, target);
+    ring.erase_begin(count);
+}
+
+} // namespace
+
+Engine::Engine(double rate, std::uint64_t frames, std::uint64_t channelCount, float gainCompensationDb,
+               IParameterSet* parameters, IHrir* responses, const IComponentFactory* factory,
+               std::unique_ptr<IReverbProcessor> reverb, std::unique_ptr<IFade> fade)
+    : sampleRate(rate),
+      blockSize(frames),
+      parameterSet(parameters),
+      hrir(responses),
+      workBuffer(channelCount, blockSize),
+      mixBuffer(2, blockSize),
+      speakerBuffer(2, blockSize),
+      reverbBuffer(2, blockSize),
+      inputFifo(channelCount, Ring(2 * blockSize)),
+      outputFifo(2, Ring(2 * blockSize)),
+      componentFactory(factory),
+      reverbProcessor(std::move(reverb)),
+      inputFade(std::move(fade)) {
+    outputProcessor = componentFactory->createOutputProcessor(sampleRate, parameterSet, gainCompensationDb);
+    reloadParameters = parameterSet->createReloadParameterSet();
+    for (Ring& ring : outputFifo)
+        ring.resize(blockSize, 0.0f);
+}
+
+void Engine::addSpeaker(const Speaker& speaker, std::size_t channelIndex) {
+    spatialProcessors.emplace(channelIndex, componentFactory->createSpeakerProcessor(
+                                                speaker.position, parameterSet, sampleRate, blockSize, hrir));
+}
+
+void Engine::addLowFrequencyChannel(std::size_t channelIndex) {
+    std::unique_ptr<IGenericBiquadFilter> filter = componentFactory->createLowpassFilter(sampleRate);
+    filter->setFrequency(lowFrequencyCutoffHz);
+    filter->setQ(lowFrequencyQ);
+    filter->setInputGain(lowFrequencyInputGain); // a low pass has no gain of its own
+    channelFilters.emplace(channelIndex, std::move(filter));
+    addSpeaker({SpatialPosition(0, 0, lowFrequencyDistanceMetres)}, channelIndex);
+}
+
+void Engine::process(const SampleBuffer& input, SampleBuffer& output) {
+    if (input.numChannels < workBuffer.numChannels) {
+        output.clear();
+        return;
+    }
+    for (std::size_t channel = 0; channel < inputFifo.size(); ++channel) {
+        const SampleSpan samples = input.channel(channel);
+        inputFifo[channel].insert(inputFifo[channel].end(), samples.begin(), samples.end());
+    }
+    if (inputFifo.front().size() >= blockSize)
+        renderBlock();
+
+    const std::uint64_t frames = std::min<std::uint64_t>(output.numSamples, outputFifo.front().size());
+    for (std::size_t channel = 0; channel < outputFifo.size() && channel < output.numChannels; ++channel)
+        pop(outputFifo[channel], output.channelPointers[channel], frames);
+    for (std::uint64_t channel = outputFifo.size(); channel < output.numChannels; ++channel)
+        std::fill_n(output.channelPointers[channel], output.numSamples, 0.0f);
+}
+
+void Engine::renderBlock() {
+    for (std::size_t channel = 0; channel < inputFifo.size(); ++channel)
+        pop(inputFifo[channel], workBuffer.channelPointers[channel], blockSize);
+    mixBuffer.clear();
+    inputFade->apply(workBuffer);
+    for (const auto& [channel, filter] : channelFilters)
+        filter->process(workBuffer.channel(channel));
+    for (const auto& [channel, processor] : spatialProcessors) {
+        const SampleBuffer source(&workBuffer.channelPointers[channel], 1, blockSize);
+        processor->process(source, speakerBuffer);
+        mixBuffer.addFrom(speakerBuffer);
+    }
+    if (reloadParameters->hasReverb()) {
+        reverbProcessor->process(workBuffer, reverbBuffer);
+        mixBuffer.addFrom(reverbBuffer);
+    }
+    outputProcessor->process(mixBuffer);
+    for (std::size_t channel = 0; channel < outputFifo.size(); ++channel) {
+        const SampleSpan samples = mixBuffer.channel(channel);
+        outputFifo[channel].insert(outputFifo[channel].end(), samples.begin(), samples.end());
+    }
+}
+
+std::uint64_t Engine::speakerCount() const noexcept { return spatialProcessors.size(); }
+
+} // namespace orvane::kestrum::core

@@ -1,0 +1,114 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "engine/EngineManager.h"
+
+#include "base/SampleBuffer.h"
+#include "engine/IPendingFade.h"
+
+#include <chrono>
+#include <exception>
+#include <stdexcept>
+#include <utility>
+
+namespace orvane {
+
+namespace {
+
+std::int64_t halfABlockInMicroseconds(std::uint64_t blockSize, double sampleRate) noexcept {
+    return static_cast<std::int64_t>(1000000.0 / sampleRate * static_cast<double>(blockSize) * 0.5);
+}
+
+} // namespace
+
+EngineManager::EngineManager(std::unique_ptr<IEngineFactory> factory, IReloadNotifier* notifier)
+    : engineFactory(std::move(factory)),
+      pollPeriod(halfABlockInMicroseconds(blockSize, sampleRate)),
+      reloadNotifier(notifier) {
+    reloadNotifier->addReloadListener(this);
+    try {
+        backgroundTask = std::thread([this] { runInBackground(); });
+    } catch (...) {
+        reloadNotifier->removeReloadListener(this);
+        throw;
+    }
+}
+
+EngineManager::~EngineManager() {
+    reloadNotifier->removeReloadListener(this);
+    running = false;
+    backgroundTask.join();
+}
+
+void EngineManager::prepare(std::uint64_t newBlockSize, double newSampleRate) {
+    if (newBlockSize < 2)
+        throw std::invalid_argument("blocks of one sample are not served; announce blocks of two or more");
+    std::shared_ptr<IEngine> former; // dies after the lock is released
+    const std::lock_guard lock(mutex);
+    blockSize = newBlockSize;
+    sampleRate = newSampleRate;
+    pollPeriod = halfABlockInMicroseconds(blockSize, sampleRate);
+    reloadPending = false; // the engine below is built with the values that the request was about
+    former = engine.exchange(engineFactory->createEngine(blockSize, sampleRate));
+    prepared = true;
+}
+
+void EngineManager::release() {
+    std::shared_ptr<IEngine> former;
+    const std::lock_guard lock(mutex);
+    prepared = false;
+    former = engine.exchange(nullptr);
+}
+
+void EngineManager::process(const SampleBuffer& input, SampleBuffer& output) {
+    if (!muted && prepared) {
+        const EngineHandover::Reader reader(engine);
+        if (IEngine* const live = reader.engine(); live != nullptr) {
+            live->process(input, output);
+            return;
+        }
+    }
+    output.clear();
+}
+
+void EngineManager::setMuted(bool nowMuted) noexcept { muted = nowMuted; }
+
+void EngineManager::reloadRequested() { reloadPending = true; }
+
+void EngineManager::runInBackground() {
+    try {
+        while (running) {
+            if (reloadPending)
+                rebuild();
+            if (running)
+                std::this_thread::sleep_until(std::chrono::steady_clock::now() +
+                                              std::chrono::microseconds(pollPeriod));
+        }
+    } catch (const std::exception&) {
+        // Deliberate: the task ends without a word and no further rebuild takes place; what plays goes on
+        // playing.
+    }
+}
+
+void EngineManager::rebuild() {
+    const std::lock_guard lock(mutex);
+    std::shared_ptr<IEngine>
+        former; // dies under the lock: whoever waits for it finds nothing left of this rebuild
+    reloadPending = false;
+    if (!prepared)
+        return;
+    const std::shared_ptr<IEngine> live = engine.current();
+    auto* const pendingFade = dynamic_cast<IPendingFade*>(live.get());
+    std::shared_ptr<IEngine> fadeFrom = pendingFade != nullptr ? pendingFade->holdFade() : nullptr;
+    const bool held = fadeFrom != nullptr;
+    if (!held)
+        fadeFrom = live;
+    try {
+        former = engine.exchange(
+            engineFactory->createCrossfadedEngine(std::move(fadeFrom), blockSize, sampleRate));
+    } catch (...) {
+        if (held)
+            pendingFade->resumeFade();
+        throw;
+    }
+}
+
+} // namespace orvane

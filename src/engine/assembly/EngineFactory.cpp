@@ -1,0 +1,56 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "engine/assembly/EngineFactory.h"
+
+#include "engine/Engine.h"
+#include "engine/XFadedEngine.h"
+#include "engine/fades/Fade.h"
+#include "parameters/core/GainCompensation.h"
+#include "parameters/core/ISelectorValue.h"
+#include "parameters/zmtl/Sleep.h"
+#include "room/SilentReverbProcessor.h"
+
+#include <condition_variable>
+#include <utility>
+
+namespace orvane::kestrum::core {
+
+namespace {
+
+constexpr float fadeMilliseconds = 10.0f;
+
+} // namespace
+
+EngineFactory::EngineFactory(ISelectorValue* speakerSetup, ISupportedLayouts* layouts,
+                             const IComponentFactory* factory, IParameterSet* parameters, IHrir* store,
+                             std::string directory, std::unique_ptr<IEngineBuilder> builder,
+                             std::function<void()> finished)
+    : speakerSetupValue(speakerSetup),
+      supportedLayouts(layouts),
+      componentFactory(factory),
+      parameterSet(parameters),
+      hrir(store),
+      dataDirectory(std::move(directory)),
+      engineBuilder(std::move(builder)),
+      reloadFinished(std::move(finished)) {}
+
+std::unique_ptr<orvane::IEngine> EngineFactory::createEngine(std::uint64_t blockSize, double sampleRate) {
+    auto reverb = std::make_unique<SilentReverbProcessor>();
+    const ISupportedLayouts::Properties properties = supportedLayouts->get(speakerSetupValue->getValue());
+    auto inputFade = std::make_unique<Fade>(
+        fadeMilliseconds, static_cast<float>(static_cast<std::int32_t>(sampleRate)), 0.0f, 1.0f);
+    auto engine = std::make_unique<Engine>(sampleRate, blockSize, properties.channelCount,
+                                           gainCompensationDb(properties), parameterSet, hrir,
+                                           componentFactory, std::move(reverb), std::move(inputFade));
+    return engineBuilder->build(properties, std::move(engine));
+}
+
+std::unique_ptr<orvane::IEngine>
+EngineFactory::createCrossfadedEngine(std::shared_ptr<orvane::IEngine> oldEngine, std::uint64_t blockSize,
+                                      double sampleRate) {
+    std::unique_ptr<orvane::IEngine> newEngine = createEngine(blockSize, sampleRate);
+    auto sleep = std::make_unique<zmtl::internal::Sleep<std::condition_variable_any>>();
+    return std::make_unique<XFadedEngine>(std::move(oldEngine), std::move(newEngine), blockSize, sampleRate,
+                                          fadeMilliseconds, std::move(sleep), reloadFinished);
+}
+
+} // namespace orvane::kestrum::core

@@ -1,0 +1,90 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "shell/ProcessorState.h"
+
+#include "parameters/core/Scene.h"
+#include "parameters/core/SelectorId.h"
+
+#include <bit>
+#include <cmath>
+#include <cstdint>
+
+namespace orvane::kestrum {
+
+namespace {
+
+const juce::Identifier valueProperty{"Value"};
+const juce::Identifier speakerSetupType{"SpeakerSetup"};
+const juce::Identifier sceneType{"Scene"};
+const juce::Identifier ambienceType{"Ambience"};
+const juce::Identifier headRotationType{"HeadRotation"};
+const juce::Identifier focusType{"Focus"};
+const juce::Identifier masterGainType{"MasterGain"};
+
+constexpr const char* defaultLayout = "2.0 +/-30\xC2\xB0";
+
+juce::ValueTree child(const juce::Identifier& type, const juce::var& value) {
+    juce::ValueTree tree(type);
+    tree.setProperty(valueProperty, value, nullptr);
+    return tree;
+}
+
+juce::var asSignedNumber(std::uint32_t id) { return static_cast<int>(std::bit_cast<std::int32_t>(id)); }
+
+/// A child that is missing gives an empty property, which reads as 0.
+const juce::var& valueOf(const juce::ValueTree& tree, const juce::Identifier& type) {
+    return tree.getChildWithName(type).getProperty(valueProperty);
+}
+
+std::uint32_t readIdentifier(const juce::ValueTree& tree, const juce::Identifier& type) {
+    return std::bit_cast<std::uint32_t>(static_cast<std::int32_t>(static_cast<int>(valueOf(tree, type))));
+}
+
+/// A number that is not finite is left out: held in a value it would never compare equal, and value and
+/// presenter would go on calling each other.
+void readNumber(const juce::ValueTree& tree, const juce::Identifier& type, core::ISliderValue& target) {
+    const auto number = static_cast<float>(valueOf(tree, type));
+    if (std::isfinite(number))
+        target.setValue(number);
+}
+
+} // namespace
+
+ProcessorState::ProcessorState(const juce::Identifier& type, const core::IComponentFactory* componentFactory,
+                               core::ISupportedLayouts* supportedLayouts)
+    : type(type),
+      speakerSetup(componentFactory->createSelectorValue(core::selectorId(defaultLayout))),
+      scene(componentFactory->createSelectorValue(core::selectorId(core::Scene::defaultName))),
+      ambience(componentFactory->createSliderValue(50.0f)),
+      focus(componentFactory->createSliderValue(0.0f)),
+      headRotation(componentFactory->createAtomicSliderValue(0.0f)),
+      masterGain(componentFactory->createSliderValue(0.0f)),
+      speakerSetupFallback(componentFactory->createSpeakerSetupFallback(supportedLayouts)),
+      sceneFallback(componentFactory->createSceneFallback()) {}
+
+juce::ValueTree ProcessorState::toValueTree() const {
+    juce::ValueTree root(type);
+    const auto speakerSetupTree = child(speakerSetupType, asSignedNumber(speakerSetup->getValue()));
+    const auto sceneTree = child(sceneType, asSignedNumber(scene->getValue()));
+    const auto headRotationTree = child(headRotationType, headRotation->getValue());
+    const auto masterGainTree = child(masterGainType, masterGain->getValue());
+    const auto focusTree = child(focusType, focus->getValue());
+    const auto ambienceTree = child(ambienceType, ambience->getValue());
+    for (const auto& tree :
+         {speakerSetupTree, sceneTree, ambienceTree, headRotationTree, focusTree, masterGainTree})
+        root.appendChild(tree, nullptr);
+    return root;
+}
+
+void ProcessorState::fromValueTree(const juce::ValueTree& tree) {
+    if (!tree.hasType(type))
+        return;
+    // The Scene comes after the layout, gains last: each write may ask for a rebuild or push values.
+    speakerSetup->setValue(speakerSetupFallback->fallback(readIdentifier(tree, speakerSetupType)));
+    scene->setValue(sceneFallback->fallback(readIdentifier(tree, sceneType)));
+    readNumber(tree, ambienceType, *ambience);
+    readNumber(tree, focusType, *focus);
+    readNumber(tree, headRotationType, *headRotation);
+    readNumber(tree, masterGainType, *masterGain);
+}
+
+} // namespace orvane::kestrum

@@ -1,0 +1,124 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "base/IHrir.h"
+#include "base/SampleBuffer.h"
+#include "engine/IEngineManager.h"
+#include "engine/assembly/ComponentFactory.h"
+#include "ipc/EmptyHeadRotation.h"
+#include "ipc/IOrvaneParameterClient.h"
+#include "parameters/core/IParameterMapper.h"
+#include "parameters/core/IParameterSet.h"
+#include "parameters/core/ISelectorValue.h"
+#include "parameters/core/ISliderValue.h"
+#include "parameters/core/SelectorId.h"
+#include "support/SphericalHead.h"
+
+#include <algorithm>
+#include <atomic>
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace test {
+
+/// A link without a tracker.
+class NoTracker final : public OrvaneIPC::IOrvaneParameterClient {
+public:
+    bool isConnected() const noexcept override { return false; }
+    OrvaneIPC::IHeadRotationClient& getHeadRotationClient() noexcept override { return rotation; }
+
+private:
+    OrvaneIPC::EmptyHeadRotation rotation;
+};
+
+using Channels = std::vector<std::vector<float>>; ///< [channel][frame]
+
+/// Everything of the product but its framework side, wired as the plug-in wires it.
+class Product {
+public:
+    explicit Product(orvane::IHrir* store = nullptr) : hrir(store != nullptr ? store : &ownHead) {
+        using namespace orvane::kestrum::core;
+        layouts = factory.createSupportedLayouts();
+        speakerSetup = factory.createSelectorValue(selectorId("2.0 +/-30°"));
+        scene = factory.createSelectorValue(selectorId("Mix Room"));
+        ambience = factory.createSliderValue(50.0f);
+        focus = factory.createSliderValue(0.0f);
+        headRotation = factory.createAtomicSliderValue(0.0f);
+        masterGain = factory.createSliderValue(0.0f);
+        parameterSet = factory.createParameterSet(headRotation.get(), std::make_unique<NoTracker>());
+        speakerSetupMapper = factory.createSpeakerSetupMapper(speakerSetup.get(), parameterSet.get());
+        sceneMapper = factory.createSceneMapper(scene.get(), parameterSet.get());
+        masterGainMapper = factory.createMasterGainMapper(masterGain.get(), scene.get(), parameterSet.get());
+        focusMapper = factory.createFocusMapper(focus.get(), scene.get(), parameterSet.get());
+        ambienceMapper = factory.createAmbienceMapper(ambience.get(), scene.get(), parameterSet.get());
+        manager = factory.createEngineManager(speakerSetup.get(), layouts.get(), parameterSet.get(), hrir, "",
+                                              [this] {
+                                                  updateMappers();
+                                                  ++fadesStarted;
+                                              });
+    }
+
+    void updateMappers() {
+        focusMapper->update();
+        ambienceMapper->update();
+        masterGainMapper->update();
+        sceneMapper->update();
+    }
+
+    void chooseLayout(std::string_view name) {
+        speakerSetup->setValue(orvane::kestrum::core::selectorId(name));
+    }
+    void chooseScene(std::string_view name) { scene->setValue(orvane::kestrum::core::selectorId(name)); }
+
+    void prepare(std::uint64_t blockSize, double sampleRate) {
+        updateMappers();
+        manager->prepare(blockSize, sampleRate);
+    }
+
+    /// Renders `input` in host blocks of `hostBlock` samples (the last one may be shorter) and returns two
+    /// channels.
+    Channels render(const Channels& input, std::uint64_t hostBlock) {
+        const std::uint64_t frames = input.front().size();
+        Channels output(2, std::vector<float>(frames));
+        Channels bus(std::max<std::size_t>(2, input.size()), std::vector<float>(hostBlock));
+        for (std::uint64_t start = 0; start < frames; start += hostBlock) {
+            const std::uint64_t count = std::min(hostBlock, frames - start);
+            std::vector<float*> pointers;
+            for (std::size_t channel = 0; channel < bus.size(); ++channel) {
+                if (channel < input.size())
+                    std::copy_n(input[channel].data() + start, count, bus[channel].data());
+                pointers.push_back(bus[channel].data());
+            }
+            const orvane::SampleBuffer in(pointers.data(), input.size(), count);
+            orvane::SampleBuffer out(pointers.data(), pointers.size(), count);
+            manager->process(in, out);
+            for (std::size_t channel = 0; channel < 2; ++channel)
+                std::copy_n(bus[channel].data(), count, output[channel].data() + start);
+        }
+        return output;
+    }
+
+    std::atomic<int> fadesStarted{0}; ///< Crossfades to a new engine whose first block has run.
+    orvane::kestrum::core::ComponentFactory factory;
+    SphericalHead ownHead;
+    orvane::IHrir* hrir;
+    std::unique_ptr<orvane::kestrum::core::ISupportedLayouts> layouts;
+    std::unique_ptr<orvane::kestrum::core::ISelectorValue> speakerSetup;
+    std::unique_ptr<orvane::kestrum::core::ISelectorValue> scene;
+    std::unique_ptr<orvane::kestrum::core::ISliderValue> ambience;
+    std::unique_ptr<orvane::kestrum::core::ISliderValue> focus;
+    std::unique_ptr<orvane::kestrum::core::ISliderValue> headRotation;
+    std::unique_ptr<orvane::kestrum::core::ISliderValue> masterGain;
+    std::unique_ptr<orvane::kestrum::core::IParameterSet> parameterSet;
+    std::unique_ptr<orvane::kestrum::core::IParameterMapper> speakerSetupMapper;
+    std::unique_ptr<orvane::kestrum::core::IParameterMapper> sceneMapper;
+    std::unique_ptr<orvane::kestrum::core::IParameterMapper> masterGainMapper;
+    std::unique_ptr<orvane::kestrum::core::IParameterMapper> focusMapper;
+    std::unique_ptr<orvane::kestrum::core::IParameterMapper> ambienceMapper;
+    std::unique_ptr<orvane::IEngineManager> manager;
+};
+
+} // namespace test

@@ -1,0 +1,250 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "assembly/Product.h"
+#include "engine/assembly/EngineBuilder.h"
+#include "engine/assembly/EngineFactory.h"
+#include "parameters/core/GainCompensation.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <cmath>
+#include <cstdint>
+#include <memory>
+#include <random>
+#include <stdexcept>
+#include <string>
+#include <thread>
+#include <utility>
+#include <vector>
+
+namespace {
+
+using test::Channels;
+using test::Product;
+
+constexpr double sampleRate = 48000.0;
+constexpr std::uint64_t blockSize = 64;
+
+std::vector<std::string> layoutNames(const Product& product) {
+    std::vector<std::string> names;
+    product.layouts->forEach([&](const auto& layout) { names.push_back(layout.name); });
+    return names;
+}
+
+double largestStep(const std::vector<float>& samples) {
+    double step = 0;
+    for (std::size_t frame = 1; frame < samples.size(); ++frame)
+        step = std::max(
+            step, std::abs(static_cast<double>(samples[frame]) - static_cast<double>(samples[frame - 1])));
+    return step;
+}
+
+/// A slow sine on all sixteen channels, one block after the other.
+class Playback {
+public:
+    explicit Playback(Product& played) : product(played), bus(16, std::vector<float>(blockSize)) {
+        for (std::vector<float>& channel : bus)
+            pointers.push_back(channel.data());
+    }
+
+    void block() {
+        for (std::size_t frame = 0; frame < blockSize; ++frame) {
+            const auto value =
+                static_cast<float>(0.1 * std::sin(2.0 * 3.14159265358979 * 100.0 *
+                                                  static_cast<double>(position++) / sampleRate));
+            for (std::vector<float>& channel : bus)
+                channel[frame] = value;
+        }
+        orvane::SampleBuffer view(pointers.data(), 16, blockSize);
+        product.manager->process(view, view);
+        left.insert(left.end(), bus[0].begin(), bus[0].end());
+        right.insert(right.end(), bus[1].begin(), bus[1].end());
+    }
+
+    void blocks(int count) {
+        for (int index = 0; index < count; ++index)
+            block();
+    }
+
+    /// Plays on until the next engine is in service, its fade is over and what it plays has settled.
+    void throughTheNextFade() {
+        for (const int before = product.fadesStarted; product.fadesStarted == before;)
+            block();
+        blocks(30);
+    }
+
+    std::vector<float> left;
+    std::vector<float> right;
+
+private:
+    Product& product;
+    Channels bus;
+    std::vector<float*> pointers;
+    std::uint64_t position = 0;
+};
+
+class LayoutSwitch : public ::testing::TestWithParam<int> {};
+
+/// From one layout to each of the others while a sine plays: the output's largest step from sample to sample
+/// stays that of the louder of the two settled sines (plus the slope of the linear fade itself).
+TEST_P(LayoutSwitch, DuringPlaybackMakesNoStepLargerThanTheSignalsOwn) {
+    Product product;
+    const std::vector<std::string> names = layoutNames(product);
+    const std::string& from = names[static_cast<std::size_t>(GetParam())];
+    for (std::size_t target = 0; target < names.size(); target += 5) {
+        SCOPED_TRACE(from + " to " + names[target]);
+        product.chooseLayout(from);
+        product.prepare(blockSize, sampleRate);
+        Playback playback(product);
+        playback.blocks(30);
+        const std::size_t switchAt = playback.left.size();
+        const double before = largestStep({playback.left.end() - 960, playback.left.end()});
+        const double levelBefore = *std::max_element(playback.left.end() - 960, playback.left.end());
+        if (names[target] == from)
+            continue;
+        product.chooseLayout(names[target]);
+        playback.throughTheNextFade();
+        const double after = largestStep({playback.left.end() - 960, playback.left.end()});
+        const double levelAfter = *std::max_element(playback.left.end() - 960, playback.left.end());
+        const double fadeSlope = (levelBefore + levelAfter) / 480.0;
+        EXPECT_LE(largestStep({playback.left.begin() + static_cast<std::ptrdiff_t>(switchAt) - 960,
+                               playback.left.end()}),
+                  1.05 * std::max(before, after) + fadeSlope);
+    }
+}
+INSTANTIATE_TEST_SUITE_P(FromEachLayout, LayoutSwitch, ::testing::Range(0, 32));
+
+TEST(StructuralChange, AStormOfLayoutsAndScenesDuringPlaybackStaysFiniteAndEndsAtTheLastOne) {
+    Product product;
+    product.prepare(blockSize, sampleRate);
+    const std::vector<std::string> names = layoutNames(product);
+    const char* const scenes[] = {"Mix Room", "Kitchen", "Analytic Dry", "Stadium", "Car"};
+    std::mt19937 generator(5);
+    Playback playback(product);
+    for (int change = 0; change < 40; ++change) {
+        product.chooseLayout(names[generator() % names.size()]);
+        product.chooseScene(scenes[generator() % 5]);
+        playback.blocks(static_cast<int>(generator() % 6));
+        std::this_thread::yield();
+    }
+    for (const float sample : playback.left)
+        ASSERT_TRUE(std::isfinite(sample));
+    product.manager->release(); // a rebuild that is under way ends first
+    product.chooseLayout("5.1 ITU");
+    product.prepare(blockSize, sampleRate);
+    Product fresh;
+    fresh.scene->setValue(product.scene->getValue());
+    fresh.chooseLayout("5.1 ITU");
+    fresh.prepare(blockSize, sampleRate);
+    Playback again(product);
+    again.blocks(40);
+    Playback reference(fresh);
+    reference.blocks(40);
+    EXPECT_EQ(again.left, reference.left);
+    EXPECT_EQ(again.right, reference.right);
+}
+
+/// A restored session: the Scene arrives before the first preparation, and no crossfade ever runs
+/// reloadFinished.
+TEST(StructuralChange, ARestoredSceneSoundsFromItsFirstBlockAsIfItHadBeenChosenByHand) {
+    Product restored;
+    restored.chooseScene("Kitchen");
+    restored.focus->setValue(-40.0f);
+    restored.prepare(blockSize, sampleRate);
+
+    Product byHand;
+    byHand.prepare(blockSize, sampleRate);
+    Playback before(byHand);
+    before.blocks(10);
+    byHand.chooseScene("Kitchen");
+    byHand.focus->setValue(-40.0f);
+    before.throughTheNextFade();
+    byHand.manager->release();
+    byHand.prepare(blockSize, sampleRate);
+
+    Playback first(restored);
+    first.blocks(40);
+    Playback second(byHand);
+    second.blocks(40);
+    EXPECT_EQ(first.left, second.left);
+}
+
+TEST(StructuralChange, AReloadFinishedPushesTheNewScenesValuesInTheFirstBlockOfTheFade) {
+    Product product;
+    product.prepare(blockSize, sampleRate);
+    Playback playback(product);
+    playback.blocks(4);
+    product.chooseScene("Kitchen"); // master gain 3.6 where the default Scene has 4.5
+    EXPECT_EQ(product.parameterSet->getOutputGainDb(), 4.5f);
+    playback.throughTheNextFade();
+    EXPECT_FLOAT_EQ(product.parameterSet->getOutputGainDb(), 3.6f);
+}
+
+// Engine construction.
+
+struct EngineConstruction : ::testing::Test {
+    std::unique_ptr<orvane::kestrum::core::EngineFactory> engineFactory() {
+        return std::make_unique<orvane::kestrum::core::EngineFactory>(
+            product.speakerSetup.get(), product.layouts.get(), &product.factory, product.parameterSet.get(),
+            product.hrir, "", std::make_unique<orvane::kestrum::core::EngineBuilder>(), [] {});
+    }
+    Product product;
+};
+
+TEST_F(EngineConstruction, EveryLayoutGivesAnEngineWithOneSpeakerPerChannel) {
+    const auto engines = engineFactory();
+    for (const std::string& name : layoutNames(product)) {
+        product.chooseLayout(name);
+        EXPECT_EQ(engines->createEngine(32, sampleRate)->speakerCount(),
+                  product.layouts->get(product.speakerSetup->getValue()).channelCount)
+            << name;
+    }
+}
+
+TEST_F(EngineConstruction, ALayoutOutsideTheTableIsRefused) {
+    product.speakerSetup->setValue(12345);
+    try {
+        engineFactory()->createEngine(32, sampleRate);
+        FAIL() << "expected an exception";
+    } catch (const std::invalid_argument& error) {
+        EXPECT_STREQ(error.what(), "layout not supported");
+    }
+}
+
+TEST_F(EngineConstruction, ACrossfadedEngineCountsTheNewLayoutsSpeakers) {
+    const auto engines = engineFactory();
+    std::shared_ptr<orvane::IEngine> old = engines->createEngine(32, sampleRate);
+    product.chooseLayout("7.1.4");
+    const auto crossfaded = engines->createCrossfadedEngine(std::move(old), 32, sampleRate);
+    EXPECT_EQ(crossfaded->speakerCount(), 12u);
+}
+
+/// Stress for the race detectors: audio, automation, rebuilds and preparations at the same time.
+TEST(StructuralChange, AudioAutomationAndPreparationsRunSideBySide) {
+    Product product;
+    product.prepare(blockSize, sampleRate);
+    std::atomic<bool> done{false};
+    std::thread audio([&] {
+        Playback playback(product);
+        while (!done)
+            playback.block();
+    });
+    const std::vector<std::string> names = layoutNames(product);
+    std::mt19937 generator(9);
+    for (int round = 0; round < 60; ++round) {
+        product.ambience->setValue(static_cast<float>(generator() % 101));
+        product.focus->setValue(static_cast<float>(generator() % 201) - 100.0f);
+        product.headRotation->setValue(static_cast<float>(generator() % 361) - 180.0f);
+        product.masterGain->setValue(static_cast<float>(generator() % 24) - 12.0f);
+        product.chooseLayout(names[generator() % names.size()]);
+        if (round % 7 == 0)
+            product.chooseScene(round % 2 == 0 ? "Kitchen" : "Mix Room");
+        std::this_thread::yield();
+    }
+    done = true;
+    audio.join();
+    SUCCEED();
+}
+
+} // namespace

@@ -1,0 +1,89 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "base/IEngine.h"
+#include "base/SampleBuffer.h"
+#include "engine/IEngineFactory.h"
+#include "parameters/zmtl/ISleep.h"
+
+#include <algorithm>
+#include <atomic>
+#include <chrono>
+#include <condition_variable>
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <stdexcept>
+#include <utility>
+#include <vector>
+
+namespace test {
+
+/// Counts the engines that are alive, and remembers on which thread one died.
+struct EngineCensus {
+    std::atomic<int> alive{0};
+    std::atomic<int> built{0};
+    std::atomic<bool> diedWhereForbidden{false};
+
+    /// The thread on which no engine may die.
+    static bool& forbiddenHere() {
+        thread_local bool forbidden = false;
+        return forbidden;
+    }
+};
+
+/// Writes one constant value into both channels and zero into the others.
+class ConstantEngine : public orvane::IEngine {
+public:
+    ConstantEngine(float outputValue, EngineCensus& engineCensus, std::uint64_t speakers = 2)
+        : value(outputValue), census(engineCensus), speakerTotal(speakers) {
+        ++census.alive;
+        ++census.built;
+    }
+    ~ConstantEngine() override {
+        if (EngineCensus::forbiddenHere())
+            census.diedWhereForbidden = true;
+        --census.alive;
+    }
+    ConstantEngine(const ConstantEngine&) = delete;
+    ConstantEngine& operator=(const ConstantEngine&) = delete;
+
+    void process(const orvane::SampleBuffer& /*input*/, orvane::SampleBuffer& output) override {
+        ++blocks;
+        longestView = std::max(longestView, output.numSamples);
+        for (std::uint64_t channel = 0; channel < output.numChannels; ++channel)
+            std::fill_n(output.channelPointers[channel], output.numSamples, channel < 2 ? value : 0.0f);
+    }
+    std::uint64_t speakerCount() const noexcept override { return speakerTotal; }
+
+    std::uint64_t blocks = 0;
+    std::uint64_t longestView = 0; ///< Most samples that a block asked for.
+
+private:
+    float value;
+    EngineCensus& census;
+    std::uint64_t speakerTotal;
+};
+
+/// A sleep that ends only when it is woken, so that a test decides when the sleeper looks again.
+class SleepUntilWoken final : public zmtl::ISleep {
+public:
+    void sleepFor(std::chrono::milliseconds /*time*/) override {
+        std::unique_lock lock(mutex);
+        condition.wait(lock, [this] { return woken; });
+        woken = false;
+    }
+    void wake() override {
+        const std::lock_guard lock(mutex);
+        woken = true;
+        condition.notify_all();
+    }
+
+private:
+    std::mutex mutex;
+    std::condition_variable condition;
+    bool woken = false;
+};
+
+} // namespace test
