@@ -3,10 +3,12 @@
 
 #include <CLI/CLI.hpp>
 
+#include <cstdio>
 #include <exception>
-#include <iostream>
 
-int main(int argumentCount, char** arguments) {
+namespace {
+
+int run(int argumentCount, char** arguments) {
     CLI::App program("Companion of the plug-in Orvane KESTRUM: renders files through it and makes its data.",
                      "kestrum");
     program.set_version_flag("--version", "kestrum " KESTRUM_VERSION);
@@ -14,11 +16,21 @@ int main(int argumentCount, char** arguments) {
     try {
         orvane::kestrum::render::addRenderCommands(program);
         program.parse(argumentCount, arguments);
-        return 0;
     } catch (const CLI::ParseError& error) {
         return program.exit(error);
-    } catch (const std::exception& error) {
-        std::cerr << "kestrum: " << error.what() << "\n";
-        return 1;
     }
+    return 0;
+}
+
+} // namespace
+
+int main(int argumentCount, char** arguments) {
+    try {
+        return run(argumentCount, arguments);
+    } catch (const std::exception& error) {
+        std::fprintf(stderr, "kestrum: %s\n", error.what());
+    } catch (...) {
+        std::fputs("kestrum: stopped for an unknown reason.\n", stderr);
+    }
+    return 1;
 }
