@@ -69,16 +69,21 @@ std::unique_ptr<Processor> makeProcessor(TestComponentFactory::MakeManager makeM
                     [] { return std::string(); });
 }
 
-juce::AudioProcessorValueTreeState::Parameter& parameter(Processor& processor, const std::string& name) {
+juce::RangedAudioParameter& parameter(Processor& processor, const std::string& name) {
     for (auto* const candidate : processor.getParameters())
         if (candidate->getName(100) == juce::String(name))
-            return dynamic_cast<juce::AudioProcessorValueTreeState::Parameter&>(*candidate);
+            return dynamic_cast<juce::RangedAudioParameter&>(*candidate);
     throw std::invalid_argument("no parameter " + name);
+}
+
+float shown(Processor& processor, const std::string& name) {
+    const auto& shownParameter = parameter(processor, name);
+    return shownParameter.convertFrom0to1(shownParameter.getValue());
 }
 
 void setParameter(Processor& processor, const std::string& name, float value) {
     auto& target = parameter(processor, name);
-    target.setValueNotifyingHost(target.range.convertTo0to1(value));
+    target.setValueNotifyingHost(target.convertTo0to1(value));
 }
 
 void choose(Processor& processor, const std::string& name, const std::string& entry) {

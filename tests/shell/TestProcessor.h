@@ -27,7 +27,10 @@ std::unique_ptr<Processor> makeProcessor(TestComponentFactory::MakeManager makeM
 /// Writes a host parameter, by name, in its own unit; a selector by the name of its entry.
 void setParameter(Processor& processor, const std::string& name, float value);
 void choose(Processor& processor, const std::string& name, const std::string& entry);
-juce::AudioProcessorValueTreeState::Parameter& parameter(Processor& processor, const std::string& name);
+juce::RangedAudioParameter& parameter(Processor& processor, const std::string& name);
+
+/// What a host parameter shows, in its own unit.
+float shown(Processor& processor, const std::string& name);
 
 /// Gives the main input bus `inputs` discrete channels, the output stereo. @return whether the processor
 /// agreed.
