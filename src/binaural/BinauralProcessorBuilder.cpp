@@ -72,8 +72,7 @@ BinauralProcessorBuilder::BinauralProcessorBuilder(float rate, std::uint64_t fra
       reloadSet(std::move(snapshot)),
       componentFactory(std::move(components)),
       convolutionFactory(std::move(convolutions)),
-      length(binauralResponseLength(reloadSet->roomId(),
-                                    reloadSet->roomIsDynamic(), sampleRate, blockSize)),
+      length(binauralResponseLength(reloadSet->roomId(), reloadSet->roomIsDynamic(), sampleRate, blockSize)),
       hrir(store) {}
 
 std::uint64_t BinauralProcessorBuilder::responseLength() const noexcept { return length; }

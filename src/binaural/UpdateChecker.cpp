@@ -31,8 +31,9 @@ bool UpdateChecker::sourceChanged() {
 }
 
 bool UpdateChecker::roomChanged() {
-    const std::array<float, 6> now{view->getFrontDistance(), view->getBackDistance(),    view->getRightDistance(),
-                                   view->getLeftDistance(),  view->getCeilingDistance(), view->getFloorDistance()};
+    const std::array<float, 6> now{view->getFrontDistance(),   view->getBackDistance(),
+                                   view->getRightDistance(),   view->getLeftDistance(),
+                                   view->getCeilingDistance(), view->getFloorDistance()};
     if (now == room)
         return false;
     room = now;

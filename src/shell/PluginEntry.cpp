@@ -15,12 +15,6 @@ namespace {
 
 using namespace orvane::kestrum;
 
-/// One store of responses for all instances of the process, made by the first of them.
-orvane::IHrir* processWideHrir() {
-    static orvane::TenmarshHrir store(std::make_unique<orvane::TenmarshHrirReader>());
-    return &store;
-}
-
 std::string dataDirectory() {
     return juce::File::getSpecialLocation(juce::File::commonApplicationDataDirectory)
         .getChildFile("Tenmarsh")
@@ -39,8 +33,9 @@ juce::AudioProcessor* JUCE_CALLTYPE createPluginFilter() {
     auto parameterClient = OrvaneIPC::OrvaneParameterFactory().createClient();
     auto componentFactory = std::make_unique<core::ComponentFactory>();
     auto factory = std::make_unique<Factory>(componentFactory.get());
-    return std::make_unique<Processor>("Orvane KESTRUM", std::move(componentFactory), std::move(factory),
-                                       std::move(parameterClient), processWideHrir(), channelConfigurations,
-                                       dataDirectory)
+    return std::make_unique<Processor>(
+               "Orvane KESTRUM", std::move(componentFactory), std::move(factory), std::move(parameterClient),
+               orvane::processWideHrir(std::make_unique<orvane::TenmarshHrirReader>()), channelConfigurations,
+               dataDirectory)
         .release();
 }

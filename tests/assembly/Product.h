@@ -15,6 +15,7 @@
 #include "support/SphericalHead.h"
 
 #include <algorithm>
+#include <atomic>
 #include <cstdint>
 #include <memory>
 #include <string>
@@ -54,7 +55,10 @@ public:
         focusMapper = factory.createFocusMapper(focus.get(), scene.get(), parameterSet.get());
         ambienceMapper = factory.createAmbienceMapper(ambience.get(), scene.get(), parameterSet.get());
         manager = factory.createEngineManager(speakerSetup.get(), layouts.get(), parameterSet.get(), hrir, "",
-                                              [this] { updateMappers(); });
+                                              [this] {
+                                                  updateMappers();
+                                                  ++fadesStarted;
+                                              });
     }
 
     void updateMappers() {
@@ -97,6 +101,7 @@ public:
         return output;
     }
 
+    std::atomic<int> fadesStarted{0}; ///< Crossfades to a new engine whose first block has run.
     orvane::kestrum::core::ComponentFactory factory;
     SphericalHead ownHead;
     orvane::IHrir* hrir;

@@ -67,6 +67,13 @@ public:
             block();
     }
 
+    /// Plays on until the next engine is in service, its fade is over and what it plays has settled.
+    void throughTheNextFade() {
+        for (const int before = product.fadesStarted; product.fadesStarted == before;)
+            block();
+        blocks(30);
+    }
+
     std::vector<float> left;
     std::vector<float> right;
 
@@ -94,20 +101,16 @@ TEST_P(LayoutSwitch, DuringPlaybackMakesNoStepLargerThanTheSignalsOwn) {
         const std::size_t switchAt = playback.left.size();
         const double before = largestStep({playback.left.end() - 960, playback.left.end()});
         const double levelBefore = *std::max_element(playback.left.end() - 960, playback.left.end());
+        if (names[target] == from)
+            continue;
         product.chooseLayout(names[target]);
-        // Play on until the new engine is in service and its fade is over.
-        const std::uint64_t wanted = product.layouts->get(product.speakerSetup->getValue()).channelCount;
-        for (int turn = 0; turn < 200; ++turn) {
-            playback.block();
-            std::this_thread::yield();
-        }
+        playback.throughTheNextFade();
         const double after = largestStep({playback.left.end() - 960, playback.left.end()});
         const double levelAfter = *std::max_element(playback.left.end() - 960, playback.left.end());
         const double fadeSlope = (levelBefore + levelAfter) / 480.0;
         EXPECT_LE(largestStep({playback.left.begin() + static_cast<std::ptrdiff_t>(switchAt) - 960,
                                playback.left.end()}),
                   1.05 * std::max(before, after) + fadeSlope);
-        EXPECT_GE(wanted, 1u);
     }
 }
 INSTANTIATE_TEST_SUITE_P(FromEachLayout, LayoutSwitch, ::testing::Range(0, 32));
@@ -156,7 +159,7 @@ TEST(StructuralChange, ARestoredSceneSoundsFromItsFirstBlockAsIfItHadBeenChosenB
     before.blocks(10);
     byHand.chooseScene("Kitchen");
     byHand.focus->setValue(-40.0f);
-    before.blocks(200);
+    before.throughTheNextFade();
     byHand.manager->release();
     byHand.prepare(blockSize, sampleRate);
 
@@ -174,10 +177,7 @@ TEST(StructuralChange, AReloadFinishedPushesTheNewScenesValuesInTheFirstBlockOfT
     playback.blocks(4);
     product.chooseScene("Kitchen"); // master gain 3.6 where the default Scene has 4.5
     EXPECT_EQ(product.parameterSet->getOutputGainDb(), 4.5f);
-    for (int turn = 0; turn < 100000 && product.parameterSet->getOutputGainDb() == 4.5f; ++turn) {
-        playback.block();
-        std::this_thread::yield();
-    }
+    playback.throughTheNextFade();
     EXPECT_FLOAT_EQ(product.parameterSet->getOutputGainDb(), 3.6f);
 }
 

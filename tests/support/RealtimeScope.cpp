@@ -23,7 +23,8 @@ struct ThreadState {
 // Initial-exec storage: reading it never allocates, which the allocation hooks below rely on.
 __attribute__((tls_model("initial-exec"))) thread_local constinit ThreadState state;
 
-void count(std::uint64_t test::RealtimeViolations::*what) noexcept {
+// unused where a sanitizer owns the hooks
+[[maybe_unused]] void count(std::uint64_t test::RealtimeViolations::*what) noexcept {
     if (state.counting)
         ++(state.violations.*what);
 }

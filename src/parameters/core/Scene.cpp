@@ -16,7 +16,8 @@ using Room = VirtualAcoustics::Type;
 
 // One row per Scene: name, room; reflections: on, gain, low-pass, high-pass; reverb: the same four; custom
 // room and its walls: ceiling, front, back, right, left, floor; reverb decay, source distance, master gain.
-// clang-format off: a row that is broken over lines can no longer be read down the columns
+// A row that is broken over lines can no longer be read down the columns.
+// clang-format off
 constexpr std::array<Scene::Preset, Scene::count> table{{
     {"Mix Room",          Room{15},  true,     3, 14000, 1140,  true,  -12, 12948,  130, false, 1.8f,     8,   11, 10.5f,  5.5f,  1.6f,  90,  3.5f,  4.5f},
     {"Mix Room Small",    Room{36},  true,     2, 13390, 1140,  true,  -16, 12400,  120, false, 1.8f,     3,    4,     2,     2,  1.3f,  58,     5,  6.5f},

@@ -1,0 +1,36 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "base/Realtime.h"
+#include "base/SampleSpan.h"
+
+namespace orvane {
+
+class SampleBuffer;
+
+/// Convolves mono blocks with a stereo response that may be replaced between any two blocks.
+///
+/// Shape   input [at least blockSize], of which exactly one block is read; outputs [2][frames], overwritten:
+/// a shorter
+///         one gets its frames, a longer one zeros behind the block; impulseResponse [2][at least blockSize *
+///         partitionCount], not checked.
+/// Thread  made on a building thread, then one audio thread.
+class IConvolution {
+public:
+    virtual ~IConvolution() = default;
+
+    /// Delivers the block through the present response, or through `impulseResponse` if `updateResponse`.
+    virtual void process(SampleSpan input, SampleBuffer& output, const SampleBuffer& impulseResponse,
+                         bool updateResponse) ORVANE_REALTIME = 0;
+
+    /// The same as running two convolvers over one history: the present response into `oldOutput`, then, if
+    /// `updateResponse`, `impulseResponse` into `newOutput`; otherwise `newOutput` is a copy.
+    virtual void processCrossfaded(SampleSpan input, SampleBuffer& oldOutput, SampleBuffer& newOutput,
+                                   const SampleBuffer& impulseResponse,
+                                   bool updateResponse) ORVANE_REALTIME = 0;
+
+    /// Linear gain that the owner applies to the finished block; the convolver does not.
+    virtual float outputGain() const noexcept ORVANE_REALTIME = 0;
+};
+
+} // namespace orvane

@@ -1,0 +1,22 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "data/TenmarshHrirReader.h"
+
+#include "data/WaveFrames.h"
+
+namespace orvane {
+
+void TenmarshHrirReader::read(const IIrFile& file, std::vector<float>& samples) {
+    constexpr std::uint16_t channels = 2;
+    const std::uint64_t frames = file.length() * file.responseCount();
+    samples.resize(channels * frames);
+    if (!file.isUpsampled()) {
+        readWaveFrames(file, samples, frames, channels);
+        return;
+    }
+    const auto storedFrames = static_cast<std::uint64_t>(static_cast<double>(frames) /
+                                                         (file.sampleRate() / file.nativeSampleRate()));
+    readWaveFrames(file, samples, storedFrames, channels);
+    zeroStuff(samples, file.nativeSampleRate(), static_cast<std::int32_t>(file.sampleRate()), channels);
+}
+
+} // namespace orvane

@@ -1,0 +1,26 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "engine/fades/CrossFader.h"
+
+namespace orvane {
+
+CrossFader::CrossFader(std::uint64_t channels, std::uint64_t samples)
+    : length(samples), ramp(2 * samples), oldBlock(channels, samples) {
+    for (std::uint64_t k = 0; k < length; ++k) {
+        const float rising = static_cast<float>(k) / static_cast<float>(length - 1);
+        ramp[k] = rising;
+        ramp[2 * length - 1 - k] = rising;
+    }
+}
+
+void CrossFader::apply(SampleBuffer& output) {
+    const float* const rising = ramp.data();
+    const float* const falling = ramp.data() + length;
+    for (std::uint64_t channel = 0; channel < output.numChannels; ++channel) {
+        float* const samples = output.channelPointers[channel];
+        const float* const old = oldBlock.channelPointers[channel];
+        for (std::uint64_t i = 0; i < length; ++i)
+            samples[i] = samples[i] * rising[i] + falling[i] * old[i];
+    }
+}
+
+} // namespace orvane

@@ -1,0 +1,39 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "filters/BiquadCrossfade.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace orvane {
+
+namespace {
+
+float stepPerSample(float milliseconds, float sampleRate) noexcept {
+    const float length = milliseconds * sampleRate;
+    return length > 0.0f ? 1000.0f / length : 1.0f;
+}
+
+} // namespace
+
+BiquadCrossfade::BiquadCrossfade(std::unique_ptr<IBiquadFilter> faded, std::uint64_t blockSize,
+                                 float sampleRate, float milliseconds, float start)
+    : filter(std::move(faded)),
+      dry(1, blockSize),
+      step(stepPerSample(milliseconds, sampleRate)),
+      mix(start) {}
+
+void BiquadCrossfade::apply(float* buffer, std::uint64_t count, bool engaged) {
+    if (!engaged && mix - step < 0.0f)
+        return;
+    float* const original = dry.channelPointers[0];
+    std::copy_n(buffer, count, original);
+    filter->processInPlace(buffer, count, 1.0f);
+    if (engaged && mix + step > 1.0f)
+        return;
+    for (std::uint64_t i = 0; i < count; ++i) {
+        mix = std::clamp(engaged ? mix + step : mix - step, 0.0f, 1.0f);
+        buffer[i] = mix * buffer[i] + (1.0f - mix) * original[i];
+    }
+}
+
+} // namespace orvane

@@ -1,0 +1,156 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// Property: a change during playback moves the output no faster than the sounds before and after it move by
+// themselves.
+#include "BundleSupport.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstdint>
+#include <string>
+
+namespace {
+
+using namespace orvane::kestrum::host;
+using namespace orvane::kestrum::host::test;
+
+constexpr double rate = 48000;
+constexpr std::uint32_t block = 256;
+constexpr unsigned channels = 16;
+constexpr std::size_t blocksAtMost =
+    200000; // many seconds of work: a rebuild that has not come by then never will
+
+/// A 480 Hz sine in all channels, one block long and continued from block to block.
+class Sine {
+public:
+    Channels next() {
+        Channels input(channels, std::vector<float>(block));
+        for (std::size_t frame = 0; frame < block; ++frame, ++position) {
+            const auto sample = static_cast<float>(
+                0.1 * std::sin(2 * 3.14159265358979 * static_cast<double>(position % 100) / 100));
+            for (auto& channel : input)
+                channel[frame] = sample;
+        }
+        return input;
+    }
+
+private:
+    std::size_t position = 0;
+};
+
+class Steps {
+public:
+    void add(const Channels& output) {
+        for (std::size_t channel = 0; channel < 2; ++channel)
+            for (const float sample : output[channel]) {
+                if (started)
+                    largest = std::max(largest, std::abs(sample - last[channel]));
+                last[channel] = sample;
+                started = started || channel == 1;
+            }
+    }
+    float largest = 0;
+
+private:
+    bool started = false;
+    float last[2]{};
+};
+
+/// The steady output's largest step, and one block of it.
+struct Steady {
+    float step;
+    Channels lastBlock;
+};
+
+Steady steadyStep(const std::string& layout, const std::string& scene) {
+    const auto plugin = makeInstance(channels, layout, scene);
+    plugin->prepare(rate, block, ProcessMode::realtime);
+    Sine sine;
+    for (int round = 0; round < 100; ++round)
+        play(*plugin, sine.next(), block);
+    Steps steps;
+    Channels output;
+    for (int round = 0; round < 25; ++round) {
+        output = play(*plugin, sine.next(), block);
+        steps.add(output);
+    }
+    return {steps.largest, output};
+}
+
+double levelOf(const Channels& output) { return std::sqrt(energyOf(output[0]) + energyOf(output[1])); }
+
+struct Change {
+    const char* fromLayout;
+    const char* fromScene;
+    const char* toLayout;
+    const char* toScene;
+};
+class Changes : public ::testing::TestWithParam<Change> {};
+
+TEST_P(Changes, ArriveWithoutAClick) {
+    const auto [fromLayout, fromScene, toLayout, toScene] = GetParam();
+    const Steady before = steadyStep(fromLayout, fromScene);
+    const Steady after = steadyStep(toLayout, toScene);
+    const double target = levelOf(after.lastBlock);
+
+    const auto plugin = makeInstance(channels, fromLayout, fromScene);
+    plugin->prepare(rate, block, ProcessMode::realtime);
+    Sine sine;
+    for (int round = 0; round < 100; ++round)
+        play(*plugin, sine.next(), block);
+    set(*plugin, "layout", toLayout);
+    set(*plugin, "scene", toScene);
+    Steps steps;
+    std::size_t round = 0;
+    int settled = 0; // blocks in a row at the new level
+    for (; round < blocksAtMost && settled < 100; ++round) {
+        const Channels output = play(*plugin, sine.next(), block);
+        steps.add(output);
+        // blocks hold whole and half periods by turns, hence 2 %
+        settled = std::abs(levelOf(output) - target) < 0.02 * target ? settled + 1 : 0;
+    }
+    EXPECT_EQ(settled, 100) << "the change did not arrive";
+    // an equal-gain fade of 10 ms adds less than a twentieth to the sine's own step
+    EXPECT_LT(steps.largest, 1.1f * std::max(before.step, after.step));
+}
+INSTANTIATE_TEST_SUITE_P(OfLayoutAndScene, Changes,
+                         ::testing::Values(Change{"2.0 +/-30°", "Analytic Dry", "5.1 ITU", "Analytic Dry"},
+                                           Change{"9.1.6", "Analytic Dry", "1.0", "Analytic Dry"},
+                                           Change{"1.0", "Analytic Dry", "9.1.6", "Analytic Dry"},
+                                           Change{"5.1 ITU", "Analytic Dry", "5.1 Film", "Mix Room"},
+                                           Change{"7.1.4", "Mix Room", "Quad", "Analytic Dry"}));
+
+TEST(BundleSwitch, AStormOfChangesKeepsPlaying) {
+    const auto plugin = makeInstance(channels, "2.0 +/-30°");
+    plugin->prepare(rate, block, ProcessMode::realtime);
+    const auto layoutId = findParameter(*plugin, "Speaker Layouts")->id;
+    const auto sceneId = findParameter(*plugin, "Scenes")->id;
+    const auto gainId = findParameter(*plugin, "Master Gain")->id;
+    Sine sine;
+    for (int round = 0; round < 500; ++round) {
+        plugin->setParameter(layoutId, (round * 7 % 32) / 31.0);
+        plugin->setParameter(sceneId, (round * 5 % 16) / 15.0);
+        plugin->setParameter(gainId, 0.7 + 0.0004 * round);
+        EXPECT_TRUE(std::isfinite(peakOf(play(*plugin, sine.next(), block)))) << "round " << round;
+    }
+}
+
+TEST(BundleSwitch, ChangesWithoutAnyBlockAreBorne) {
+    const auto plugin = makeInstance(channels, "2.0 +/-30°");
+    plugin->prepare(rate, block, ProcessMode::realtime);
+    const auto sceneId = findParameter(*plugin, "Scenes")->id;
+    for (int round = 0; round < 500; ++round) {
+        plugin->setParameter(sceneId, (round % 16) / 15.0);
+        plugin->flushParameters();
+    }
+    Sine sine;
+    float peak = 0;
+    for (std::size_t round = 0; round < blocksAtMost && peak < 0.001f; ++round)
+        peak = peakOf(play(*plugin, sine.next(), block));
+    EXPECT_TRUE(std::isfinite(peak));
+    EXPECT_GT(peak, 0.001f);
+}
+
+} // namespace

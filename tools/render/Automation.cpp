@@ -1,0 +1,68 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "render/Automation.h"
+
+#include "render/RenderError.h"
+
+#include <algorithm>
+#include <cmath>
+#include <fstream>
+#include <string_view>
+
+namespace orvane::kestrum::render {
+
+namespace {
+
+std::string_view trimmed(std::string_view text) {
+    constexpr std::string_view blanks = " \t\r";
+    const auto first = text.find_first_not_of(blanks);
+    if (first == std::string_view::npos)
+        return {};
+    return text.substr(first, text.find_last_not_of(blanks) - first + 1);
+}
+
+} // namespace
+
+std::vector<AutomationLine> parseAutomation(std::istream& text) {
+    std::vector<AutomationLine> lines;
+    std::string raw;
+    for (std::size_t number = 1; std::getline(text, raw); ++number) {
+        const std::string_view line = trimmed(raw);
+        if (line.empty() || line.starts_with('#'))
+            continue;
+        const auto first = line.find(',');
+        const auto second = first == std::string_view::npos ? first : line.find(',', first + 1);
+        const std::string place = "Line " + std::to_string(number) + " of the automation";
+        if (second == std::string_view::npos)
+            throw RenderError(place + " is not of the form seconds,parameter,value.");
+        const std::string_view time = trimmed(line.substr(0, first));
+        if (lines.empty() && equalIgnoringCase(time, "seconds"))
+            continue;
+        AutomationLine entry{parseNumber(time, place),
+                             std::string(trimmed(line.substr(first + 1, second - first - 1))),
+                             std::string(trimmed(line.substr(second + 1)))};
+        if (entry.seconds < 0)
+            throw RenderError(place + " has a negative time: count seconds from the input's start.");
+        lines.push_back(std::move(entry));
+    }
+    return lines;
+}
+
+std::vector<AutomationLine> readAutomation(const std::filesystem::path& path) {
+    std::ifstream file(path);
+    if (!file)
+        throw RenderError("The automation file \"" + path.string() + "\" cannot be opened.");
+    return parseAutomation(file);
+}
+
+std::vector<AutomationEvent> resolveAutomation(const std::vector<AutomationLine>& lines,
+                                               const Controls& controls, double sampleRate) {
+    std::vector<AutomationEvent> events;
+    events.reserve(lines.size());
+    for (const AutomationLine& line : lines)
+        events.push_back({static_cast<std::uint64_t>(std::llround(line.seconds * sampleRate)),
+                          controls.resolve(line.parameter, line.value)});
+    std::ranges::stable_sort(events, {}, &AutomationEvent::frame);
+    return events;
+}
+
+} // namespace orvane::kestrum::render
