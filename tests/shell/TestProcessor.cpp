@@ -37,7 +37,6 @@ public:
     void getResponse(orvane::SampleBuffer&, std::int32_t, std::int32_t, bool) const noexcept override {}
 };
 
-/// As in the product: one store for all processors of the process.
 orvane::IHrir* sharedStore() {
     static orvane::TenmarshHrir store(std::make_unique<orvane::TenmarshHrirReader>());
     return &store;
@@ -53,8 +52,9 @@ std::unique_ptr<Processor> assemble(std::unique_ptr<core::IComponentFactory> com
 
 } // namespace
 
-std::unique_ptr<Processor> makeProcessor(std::function<std::string()> dataDirectory) {
-    return assemble(std::make_unique<core::ComponentFactory>(), sharedStore(), std::move(dataDirectory));
+std::unique_ptr<Processor> makeProcessor(std::function<std::string()> dataDirectory, orvane::IHrir* hrir) {
+    return assemble(std::make_unique<core::ComponentFactory>(), hrir != nullptr ? hrir : sharedStore(),
+                    std::move(dataDirectory));
 }
 
 std::unique_ptr<Processor> makeDryProcessor() {
