@@ -114,7 +114,7 @@ TEST_F(WaveFrames, TwentyFourBitsAreTheWrongWidthOnlyWhenTheFileIsLongEnough) {
 }
 
 TEST_F(WaveFrames, WidthsBelowAByteAreWrongAndDivideNothing) {
-    for (const std::uint16_t bits : {0, 1, 7})
+    for (const std::uint16_t bits : std::initializer_list<std::uint16_t>{0, 1, 7})
         EXPECT_THROW(read(waveBytes({.bits = bits}, four), 2), orvane::wavBitWrongException) << bits;
 }
 
