@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // The convolver and the clarity stage, as a share of real time: "realtime" 0.05 means a twentieth of one
-// core, 1.5m 0.15 percent. core.
+// core, 1.5m 0.15 percent.
 #include "base/SampleBuffer.h"
 #include "binaural/ClarityProcessor.h"
 #include "binaural/ConvolutionFactory.h"
