@@ -11,6 +11,7 @@
 #include <array>
 #include <atomic>
 #include <cstring>
+#include <initializer_list>
 #include <string>
 #include <thread>
 #include <vector>
@@ -57,7 +58,7 @@ TEST(HeadRotationRecord, TakesTheMatrixRowByRowAndTheFlagAsOneByte) {
 TEST(HeadRotationRecord, AnyNonZeroByteMeansActive) {
     HeadRotation::Data record;
     const HeadRotation rotation(&record);
-    for (const std::uint8_t byte : {1, 2, 128, 255}) {
+    for (const std::uint8_t byte : std::initializer_list<std::uint8_t>{1, 2, 128, 255}) {
         record.active = byte;
         EXPECT_TRUE(rotation.isActive());
     }
