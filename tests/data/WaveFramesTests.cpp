@@ -9,7 +9,7 @@
 #include <gtest/gtest.h>
 
 #include <bit>
-#include <cmath>
+#include <initializer_list>
 #include <limits>
 
 namespace {
@@ -68,9 +68,10 @@ TEST_F(WaveFrames, AChunkWithoutTheLetterInFrontOfTheDataIsPassedOver) {
                 ElementsAre(0.5f, -0.25f, 3.0f, 1e-40f));
 }
 
-// The search goes for the single letter: the size is then read 4 bytes behind the wrong one.
+// The search goes for the single letter: the 4 bytes that are then taken for the size are zeros of that
+// chunk.
 TEST_F(WaveFrames, AChunkWithTheLetterInFrontOfTheDataMisleadsTheSearch) {
-    const std::string chunk = "idea" + test::bytesOf(std::uint32_t{0});
+    const std::string chunk = "idea" + test::bytesOf(std::uint32_t{4}) + std::string(4, '\0');
     EXPECT_THROW(read(waveBytes({.chunksBeforeData = chunk}, four), 2), orvane::wavChunckSizeShortException);
 }
 

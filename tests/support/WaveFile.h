@@ -53,8 +53,8 @@ struct WaveHeader {
     std::uint16_t channels = 2;
     std::uint32_t sampleRate = 48000;
     std::uint16_t bits = 32;
-    std::string chunksBeforeData{};         ///< Whole chunks between "fmt " and "data".
-    std::optional<std::int32_t> dataSize{}; ///< In bytes.
+    std::string chunksBeforeData = {};         ///< Whole chunks between "fmt " and "data".
+    std::optional<std::int32_t> dataSize = {}; ///< In bytes.
 };
 
 /// A RIFF/WAVE file of 44 bytes of header, then the samples as they lie in memory.
