@@ -29,6 +29,7 @@ public:
     using IReloadParameterSet = orvane::IReloadParameterSet;
     using ReloadListener = orvane::IReloadListener;
 
+    // NOLINTNEXTLINE(bugprone-virtual-near-miss): the flags are numbered, this is not meant to be flag 2
     virtual bool getFlag1() const noexcept ORVANE_REALTIME = 0;
     virtual float getOutputScale() const noexcept ORVANE_REALTIME = 0;
 
@@ -56,6 +57,7 @@ public:
     virtual void setLeftDistance(float metres, bool notify) = 0;
     virtual void setFrontDistance(float metres, bool notify) = 0;
     virtual void setBackDistance(float metres, bool notify) = 0;
+    // NOLINTNEXTLINE(bugprone-virtual-near-miss): the flags are numbered, this is not meant to be flag 2
     virtual void setFlag1(bool value, bool notify) = 0;
     virtual void setWatchSource(bool value, bool notify) = 0;
     virtual void setOutputGainDb(float gainDb, bool notify) = 0;

@@ -38,7 +38,7 @@ TEST(SelectorId, TakesTheDegreeSignAsItsTwoUtf8Bytes) {
 
 class SupportedLayoutsTable : public ::testing::Test {
 protected:
-    const test::StubComponentFactory factory;
+    test::StubComponentFactory factory;
     const SupportedLayouts table{factory};
 
     std::vector<Properties> all() const {
@@ -211,7 +211,7 @@ TEST_F(SupportedLayoutsTable, GetTheirGainCompensationByHeightAndCount) {
 // The rule looks at first and last speaker only when there are exactly two, and at heights only from three
 // on.
 TEST(GainCompensation, TestsItsConditionsInOrder) {
-    const auto layoutOf = [](std::vector<orvane::SpatialPosition> positions) {
+    const auto layoutOf = [](const std::vector<orvane::SpatialPosition>& positions) {
         Properties layout;
         for (const auto& position : positions)
             layout.speakers.push_back({position, Speaker::Type::loudspeaker});

@@ -33,22 +33,28 @@ struct Recorder final : Interface::Listener {
     std::vector<Call>* log;
 };
 
-/// What the three kinds have in common, told by one example each.
-template <typename Value, typename Interface, typename T, T start, T other, T third>
+/// What the kinds have in common, told by one example each.
+template <typename Value, typename Interface, typename T>
 struct Kind {
     using ValueType = Value;
     using InterfaceType = Interface;
     using Held = T;
-    static constexpr T startValue = start;
-    static constexpr T otherValue = other;
-    static constexpr T thirdValue = third;
 };
 
-using Kinds = ::testing::Types<
-    Kind<internal::SliderValue<float>, ISliderValue, float, 50.0f, 12.5f, -3.0f>,
-    Kind<internal::SliderValue<std::atomic<float>>, ISliderValue, float, 0.0f, 90.0f, -180.0f>,
-    Kind<SelectorValue, ISelectorValue, std::uint32_t, 0xEDE88239U, 0xD30A58A0U, 0U>,
-    Kind<ToggleValue, IToggleValue, bool, false, true, false>>;
+struct PlainSlider : Kind<internal::SliderValue<float>, ISliderValue, float> {
+    static constexpr float startValue = 50.0f, otherValue = 12.5f, thirdValue = -3.0f;
+};
+struct AtomicSlider : Kind<internal::SliderValue<std::atomic<float>>, ISliderValue, float> {
+    static constexpr float startValue = 0.0f, otherValue = 90.0f, thirdValue = -180.0f;
+};
+struct Selector : Kind<SelectorValue, ISelectorValue, std::uint32_t> {
+    static constexpr std::uint32_t startValue = 0xEDE88239, otherValue = 0xD30A58A0, thirdValue = 0;
+};
+struct Toggle : Kind<ToggleValue, IToggleValue, bool> {
+    static constexpr bool startValue = false, otherValue = true, thirdValue = false;
+};
+
+using Kinds = ::testing::Types<PlainSlider, AtomicSlider, Selector, Toggle>;
 
 template <typename K>
 class UserValue : public ::testing::Test {
