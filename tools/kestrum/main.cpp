@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "data/DataCommands.h"
 #include "render/RenderCommand.h"
 
 #include <CLI/CLI.hpp>
@@ -15,6 +16,7 @@ int run(int argumentCount, char** arguments) {
     program.require_subcommand(1);
     try {
         orvane::kestrum::render::addRenderCommands(program);
+        orvane::kestrum::tools::addDataCommands(program);
         program.parse(argumentCount, arguments);
     } catch (const CLI::ParseError& error) {
         return program.exit(error);
