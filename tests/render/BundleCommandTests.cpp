@@ -287,7 +287,7 @@ TEST_F(WholeRuns, TheFactsAreWrittenAsJson) {
         for (const float sample : channel)
             peak = std::max(peak, std::abs(sample));
     EXPECT_EQ(facts.at("peak"), peak);
-    EXPECT_NEAR(facts.at("peakDb").get<double>(), 20 * std::log10(peak), 1e-6);
+    EXPECT_NEAR(facts.at("peakDb").get<double>(), 20 * std::log10(static_cast<double>(peak)), 1e-6);
     EXPECT_LT(facts.at("integratedLoudnessLufs"), 0.0);
 }
 
