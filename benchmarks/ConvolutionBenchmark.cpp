@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // The convolver and the clarity stage, as a share of real time: "realtime" 0.05 means a twentieth of one
 // core, 1.5m 0.15 percent.
+#include "ShareOfRealTime.h"
 #include "base/SampleBuffer.h"
 #include "binaural/ClarityProcessor.h"
 #include "binaural/ConvolutionFactory.h"
@@ -9,31 +10,11 @@
 #include <benchmark/benchmark.h>
 
 #include <cstdint>
-#include <ctime>
 #include <random>
 
 namespace {
 
 constexpr double sampleRate = 48000.0;
-
-/// Sets "realtime": the processor time of a run's blocks as a share of their duration. Measured here, as the
-/// library shows inverted rates with a unit of time.
-class ShareOfRealTime {
-public:
-    ShareOfRealTime(benchmark::State& run, std::int64_t blockSize) : state(run), length(blockSize) {}
-    ~ShareOfRealTime() {
-        const double used = static_cast<double>(std::clock() - start) / CLOCKS_PER_SEC;
-        const double blocks = static_cast<double>(state.iterations());
-        state.counters["realtime"] = used / (blocks * static_cast<double>(length) / sampleRate);
-    }
-    ShareOfRealTime(const ShareOfRealTime&) = delete;
-    ShareOfRealTime& operator=(const ShareOfRealTime&) = delete;
-
-private:
-    benchmark::State& state;
-    std::int64_t length;
-    std::clock_t start = std::clock();
-};
 
 void fillWithNoise(orvane::SampleBuffer& buffer) {
     std::mt19937 generator(1);
@@ -57,7 +38,7 @@ void convolver(benchmark::State& state, Replacement replacement) {
     fillWithNoise(response);
     fillWithNoise(input);
     convolution->process(input.channel(0), output, response, true);
-    const ShareOfRealTime share(state, state.range(0));
+    const bench::ShareOfRealTime share(state, state.range(0), sampleRate);
     for (auto _ : state) {
         if (replacement == Replacement::crossfaded)
             convolution->processCrossfaded(input.channel(0), oldOutput, output, response, true);
