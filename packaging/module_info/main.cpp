@@ -64,7 +64,7 @@ ordered_json describe(const PClassInfo2& info) {
             {"Name", text(info.name)},
             {"Vendor", text(info.vendor)},
             {"Version", text(info.version)},
-            {"SDK Version", text(info.sdkVersion)},
+            {"SDKVersion", text(info.sdkVersion)},
             {"Sub Categories", subCategories(text(info.subCategories))},
             {"Class Flags", info.classFlags},
             {"Cardinality", info.cardinality},
