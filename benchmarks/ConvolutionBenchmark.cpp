@@ -61,7 +61,7 @@ void clarity(benchmark::State& state) {
     orvane::SampleBuffer original(2, 2 * length);
     orvane::SampleBuffer response(2, 2 * length);
     fillWithNoise(original);
-    const ShareOfRealTime share(state, state.range(1));
+    const bench::ShareOfRealTime share(state, state.range(1), sampleRate);
     for (auto _ : state) {
         response.copyFrom(original); // the stage works in place and would whiten its own result
         processor.process(response);
