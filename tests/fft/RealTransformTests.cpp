@@ -105,7 +105,7 @@ TEST_P(TransformLengths, BackwardLeavesItsInputAlone) {
     const std::size_t length = GetParam();
     RealTransform transform(length);
     const auto spectrum = spectrumOf(transform, test::noise(length, test::Seed{14}));
-    const auto before = spectrum;
+    const std::vector<Complex> before(spectrum.begin(), spectrum.end());
     test::Signal time(length);
     transform.backward(spectrum.data(), time.data());
     for (std::size_t k = 0; k < spectrum.size(); ++k) {
@@ -194,6 +194,7 @@ TEST(RealTransform, IsMadeAndRunByManyThreadsAtOnce) {
     }
     std::vector<int> differences(4, 0);
     std::vector<std::thread> threads;
+    threads.reserve(differences.size());
     for (int& count : differences)
         threads.emplace_back([&] {
             for (int round = 0; round < 20; ++round)

@@ -35,7 +35,9 @@ std::string outputOf(const std::string& command) {
     return text;
 }
 
-std::string inShellQuotes(const std::filesystem::path& path) { return "'" + path.string() + "'"; }
+std::string inShellQuotes(const std::filesystem::path& path) {
+    return std::string("'").append(path.string()).append("'");
+}
 
 /// "type name" of each symbol that the module offers to others.
 std::vector<std::string> exportedSymbols() {

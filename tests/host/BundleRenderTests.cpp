@@ -41,7 +41,7 @@ TEST_P(EveryLayout, RendersEachOfItsChannels) {
     }
 }
 INSTANTIATE_TEST_SUITE_P(InTableOrder, EveryLayout, ::testing::Range<std::size_t>(0, 32),
-                         [](const auto& info) { return "Layout" + std::to_string(info.param); });
+                         [](const auto& layout) { return "Layout" + std::to_string(layout.param); });
 
 TEST(BundleRender, LeftIsLeftAndRightIsRight) {
     const auto plugin = makeInstance(2, "2.0 +/-30°");

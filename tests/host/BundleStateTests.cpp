@@ -3,6 +3,7 @@
 // the text and a zero. Identifiers are copied from the plug-in's tables, as signed numbers.
 #include "BundleSupport.h"
 
+#include "host/HostError.h"
 #include "host/PresetFile.h"
 
 #include <gmock/gmock.h>
@@ -156,7 +157,12 @@ TEST_F(BundleState, DamagedChunksDoNoHarm) {
         damaged.component[random() % damaged.component.size()] = static_cast<std::byte>(random() & 0xFF);
         if (round % 3 == 0)
             damaged.component.resize(random() % damaged.component.size());
-        plugin.setState(damaged);
+        try {
+            plugin.setState(damaged);
+        } catch (const HostError&) {
+            EXPECT_TRUE(damaged.component.empty())
+                << "the framework's wrapper refuses nothing but no bytes at all";
+        }
         for (const ParameterInfo& parameter : plugin.parameters())
             ASSERT_TRUE(plugin.normalizedValue(parameter.id) >= 0 &&
                         plugin.normalizedValue(parameter.id) <= 1)

@@ -36,8 +36,11 @@ protected:
                   ::testing::UnitTest::GetInstance()->current_test_info()->name())) {
         std::filesystem::create_directories(folder);
     }
+
+public:
     ~ModuleOnDisk() override { std::filesystem::remove_all(folder); }
 
+protected:
     std::filesystem::path folder;
 };
 

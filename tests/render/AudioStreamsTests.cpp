@@ -28,8 +28,11 @@ protected:
         : path(std::filesystem::temp_directory_path() /
                (std::string("kestrum_sound_") +
                 ::testing::UnitTest::GetInstance()->current_test_info()->name() + ".wav")) {}
+
+public:
     ~SoundFiles() override { std::filesystem::remove(path); }
 
+protected:
     std::string content() const {
         std::ifstream file(path, std::ios::binary);
         return {std::istreambuf_iterator<char>(file), {}};

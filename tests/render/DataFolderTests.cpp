@@ -25,8 +25,11 @@ protected:
                   ::testing::UnitTest::GetInstance()->current_test_info()->name())) {
         std::filesystem::create_directories(folder);
     }
+
+public:
     ~DataFolder() override { std::filesystem::remove_all(folder); }
 
+protected:
     std::string refusal(double rate) const {
         try {
             requireRateAndData(rate, folder);

@@ -8,6 +8,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <array>
 #include <filesystem>
 #include <string>
@@ -36,8 +37,11 @@ protected:
         for (std::size_t channel = 0; channel < 6; ++channel)
             record(channel, rate, 1);
     }
+
+public:
     ~DemoInput() override { std::filesystem::remove_all(folder); }
 
+protected:
     /// A recording whose every sample is a tenth of its channel's number, counted from 1.
     void record(std::size_t channel, unsigned sampleRate, unsigned channelCount) const {
         SoundFileSink file(folder / (std::string(namesInChannelOrder[channel]) + ".wav"), sampleRate,
@@ -55,9 +59,8 @@ TEST_F(DemoInput, EachChannelSpeaksInItsTurnAndIsSilentOtherwise) {
     ASSERT_EQ(demo.channelCount(), 6u);
     ASSERT_EQ(demo.frameCount(), 6 * (voiceLength + gapLength));
     std::vector<std::vector<float>> channels(6, std::vector<float>(demo.frameCount()));
-    std::vector<float*> pointers;
-    for (auto& channel : channels)
-        pointers.push_back(channel.data());
+    std::vector<float*> pointers(6);
+    std::ranges::transform(channels, pointers.begin(), [](auto& channel) { return channel.data(); });
     demo.read(pointers, demo.frameCount());
     for (std::size_t frame = 0; frame < demo.frameCount(); ++frame) {
         const std::size_t turn = frame / (voiceLength + gapLength);

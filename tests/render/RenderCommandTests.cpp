@@ -90,8 +90,11 @@ protected:
         options.output = folder / "out.wav";
         makeInput(2, 48000);
     }
+
+public:
     ~Refusals() override { std::filesystem::remove_all(folder); }
 
+protected:
     void makeInput(unsigned channels, unsigned rate) const {
         SoundFileSink file(options.input, rate, channels);
         file.write(std::vector<float>(channels));

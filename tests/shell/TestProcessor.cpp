@@ -4,9 +4,9 @@
 #include "TestDataFolder.h"
 #include "data/TenmarshHrir.h"
 #include "data/TenmarshHrirReader.h"
-#include "ipc/OrvaneParameterFactory.h"
 #include "shell/ChannelConfigurations.h"
 #include "shell/Factory.h"
+#include "support/NoTracker.h"
 
 #include <algorithm>
 #include <cmath>
@@ -46,7 +46,7 @@ std::unique_ptr<Processor> assemble(std::unique_ptr<core::IComponentFactory> com
                                     std::function<std::string()> dataDirectory) {
     auto factory = std::make_unique<orvane::kestrum::Factory>(components.get());
     return std::make_unique<Processor>("Orvane KESTRUM", std::move(components), std::move(factory),
-                                       OrvaneIPC::OrvaneParameterFactory().createClient(), hrir,
+                                       std::make_unique<NoTracker>(), hrir,
                                        orvane::kestrum::channelConfigurations, std::move(dataDirectory));
 }
 

@@ -70,7 +70,7 @@ struct PluginInstance::Parts {
 
     void chooseClass(TUID id);
     void createController();
-    void connect();
+    void connect() const;
     void readParameters();
     bool setUp();
     void deactivate();
@@ -104,7 +104,7 @@ void PluginInstance::Parts::createController() {
     ownController = true;
 }
 
-void PluginInstance::Parts::connect() {
+void PluginInstance::Parts::connect() const {
     controller->setComponentHandler(handler.get());
     const auto processing = query<Vst::IConnectionPoint>(component.get());
     const auto editing = query<Vst::IConnectionPoint>(controller.get());

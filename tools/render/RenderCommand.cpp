@@ -299,13 +299,13 @@ void addRenderOptions(CLI::App& command, RenderOptions& options) {
 void addRenderCommands(CLI::App& program) {
     const auto options = std::make_shared<RenderOptions>();
     CLI::App* const render = program.add_subcommand(
-        "render", "Renders a multichannel file for headphones through the VST3 bundle");
+        "render", "Renders a multichannel file for headphones through the VST3 bundle.");
     addRenderOptions(*render, *options);
     render->callback([options] { runRender(*options, std::cout); });
 
     const auto demo = std::make_shared<std::filesystem::path>();
     CLI::App* const demoCommand =
-        program.add_subcommand("demo", "Writes a 5.1 ITU file that speaks the name of each channel in turn");
+        program.add_subcommand("demo", "Writes a 5.1 ITU file that speaks the name of each channel in turn.");
     demoCommand->add_option("OUT", *demo, "WAV file to write, six channels")->type_name("FILE")->required();
     demoCommand->callback([demo] {
         writeDemoInput(*demo);

@@ -1,0 +1,25 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "data/MeasuredSet.h"
+
+#include <filesystem>
+#include <string>
+
+namespace orvane::kestrum::tools {
+
+/// Raised whenever the same input would give other files, so that installed sets are made anew.
+inline constexpr int methodNumber = 1;
+
+inline constexpr const char* aboutFileName = "about.json";
+
+/// The text that lies beside the files and says where they come from: tool and method, the input's name and
+/// SHA-256, origin, licence and citation. It names no time and no folder: equal texts mean equal files.
+/// @throws DataError when the input cannot be read.
+std::string aboutText(const std::filesystem::path& input, const Origin& origin);
+
+/// SHA-256 of a file's bytes, in lower-case hexadecimal.
+/// @throws DataError when the file cannot be read.
+std::string sha256OfFile(const std::filesystem::path& file);
+
+} // namespace orvane::kestrum::tools

@@ -1,0 +1,104 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "data/FolderCheck.h"
+
+#include "data/DataError.h"
+#include "data/Figures.h"
+#include "data/ResponseSet.h"
+
+#include <algorithm>
+#include <cmath>
+#include <iomanip>
+#include <sstream>
+
+namespace orvane::kestrum::tools {
+
+namespace {
+
+constexpr const char* remakeRemedy = "Make the set anew with \"kestrum data hrir\" or scripts/install-data.";
+
+bool silent(const Samples& samples) {
+    return std::ranges::all_of(samples, [](double sample) { return sample == 0; });
+}
+
+void requireUsableSamples(const ResponseSet& set) {
+    for (std::size_t index = 0; index < set.responses.size(); ++index)
+        for (const Samples& ear : set.responses[index]) {
+            if (!std::ranges::all_of(ear, [](double sample) { return std::isfinite(sample); }))
+                throw DataError("response " + std::to_string(index) + " holds samples that are no numbers");
+            if (silent(ear))
+                throw DataError("response " + std::to_string(index) + " is silent at one ear");
+        }
+}
+
+double requirePlausibleLevel(const ResponseSet& set) {
+    constexpr double farOffDb = 12;
+    const double level =
+        meanLevelDb(diffuseBands(set.responses, gridWeights(), set.file.sampleRate, set.file.flatToHz));
+    if (std::abs(level) > farOffDb)
+        throw DataError("its mean level is " + std::to_string(std::lround(level)) +
+                        " dB instead of about 0 dB");
+    return level;
+}
+
+/// @return the delay between the ears for a source at +90 degrees.
+double requireSides(const ResponseSet& set) {
+    double rightDelay = 0;
+    for (const int azimuth : {45, 60, 90, 120, 135})
+        for (const int side : {1, -1}) {
+            const auto& ears = set.responses[gridIndex(side * azimuth, 0)];
+            const std::size_t near = side > 0 ? rightEar : leftEar;
+            const double nearDb = bandLevelDb(ears[near], set.file.sampleRate, 500, 8000);
+            const double farDb = bandLevelDb(ears[1 - near], set.file.sampleRate, 500, 8000);
+            const double delay =
+                interauralDelaySeconds(ears[leftEar], ears[rightEar], set.file.sampleRate) * side;
+            if (nearDb <= farDb || delay <= 0)
+                throw DataError(
+                    "a source " + std::to_string(azimuth) + " degrees to the " +
+                    (side > 0 ? "right" : "left") +
+                    " is louder or earlier at the other ear: its ears or its azimuths are swapped");
+            if (azimuth == 90 && side > 0)
+                rightDelay = delay;
+        }
+    return rightDelay;
+}
+
+} // namespace
+
+FileVerdict checkResponseFile(const ResponseFile& file, const std::filesystem::path& folder) {
+    FileVerdict verdict{std::string(file.name), false, {}, {}};
+    try {
+        const ResponseSet set = readResponseSet(file, folder);
+        requireUsableSamples(set);
+        const double level = requirePlausibleLevel(set);
+        const double delay = requireSides(set);
+        std::ostringstream facts;
+        facts << responseCount << " responses of " << file.length << " frames at " << file.sampleRate
+              << " Hz, mean level " << std::showpos << std::fixed << std::setprecision(1) << level
+              << std::noshowpos << " dB, " << std::setprecision(0) << delay * 1e6
+              << " us between the ears at the side";
+        verdict.finding = facts.str();
+        verdict.sound = true;
+    } catch (const DataError& error) {
+        verdict.finding = error.what();
+        verdict.remedy = remakeRemedy;
+    }
+    return verdict;
+}
+
+std::vector<FileRule> dataFolderRules() {
+    std::vector<FileRule> rules;
+    for (const ResponseFile& file : responseFiles)
+        rules.push_back({std::string(file.name), [&file](const std::filesystem::path& folder) {
+                             return checkResponseFile(file, folder);
+                         }});
+    return rules;
+}
+
+std::vector<FileVerdict> checkDataFolder(const std::filesystem::path& folder) {
+    std::vector<FileVerdict> verdicts;
+    for (const FileRule& rule : dataFolderRules())
+        verdicts.push_back(rule.check(folder));
+    return verdicts;
+}
+
+} // namespace orvane::kestrum::tools

@@ -1,0 +1,37 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "data/Grid.h"
+
+#include <filesystem>
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace orvane::kestrum::tools {
+
+/// What was found out about one file of a data folder.
+struct FileVerdict {
+    std::string name;
+    bool sound = false;
+    std::string finding; ///< Why not; or a few facts that a sound file shows.
+    std::string remedy;  ///< Empty for a sound file.
+};
+
+/// A kind of file that a data folder has to hold, with its way of looking at one.
+struct FileRule {
+    std::string name;
+    std::function<FileVerdict(const std::filesystem::path& folder)> check;
+};
+
+/// What a complete data folder holds. Further kinds of data join here.
+std::vector<FileRule> dataFolderRules();
+
+/// Applies every rule, in order.
+std::vector<FileVerdict> checkDataFolder(const std::filesystem::path& folder);
+
+/// Whether one file of responses can be relied on: there and whole, every sample a finite number, no response
+/// silent, the mean level near 0 dB, and each ear louder and earlier for sources on its own side.
+FileVerdict checkResponseFile(const ResponseFile& file, const std::filesystem::path& folder);
+
+} // namespace orvane::kestrum::tools

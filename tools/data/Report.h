@@ -1,0 +1,16 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "data/HrirBuilder.h"
+
+#include <filesystem>
+#include <string>
+
+namespace orvane::kestrum::tools {
+
+/// Writes "index.html" with a plain verdict, every figure beside its goal, and plots as SVG beside the tables
+/// they are drawn from. The plots are drawn by the program gnuplot.
+/// @throws DataError when the folder cannot be written or gnuplot is not installed.
+void writeReport(const BuiltSet& built, const std::string& about, const std::filesystem::path& folder);
+
+} // namespace orvane::kestrum::tools
