@@ -23,7 +23,6 @@ namespace {
 using orvane::kestrum::core::Scene;
 using orvane::kestrum::core::selectorId;
 using test::Processor;
-using ::testing::Each;
 
 /// What the stand-in saw, and what it is to do. Outlives the processor that it is lent to.
 struct Record {

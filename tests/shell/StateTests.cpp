@@ -16,7 +16,6 @@
 
 namespace {
 
-using orvane::kestrum::core::selectorId;
 using test::Processor;
 
 struct Values {

@@ -3,12 +3,11 @@
 
 #include <cmath>
 #include <cstdint>
+#include <cstdlib>
 #include <fstream>
 #include <numbers>
 #include <stdexcept>
 #include <vector>
-
-#include <stdlib.h>
 
 namespace test {
 
