@@ -37,8 +37,8 @@ AlignedSet alignResponses(const MeasuredSet& set);
 /// @return how many responses went into others.
 std::size_t mergeRepeats(AlignedSet& set, double toleranceDegrees = 0.05);
 
-/// The set's response in any direction: arrivals and aligned responses mixed apart, by the weights. The
-/// mix has the weighted mean power of what went into it.
+/// The set's response in any direction: arrivals and aligned responses mixed apart, by the weights. The mix
+/// has the weighted mean power of what went into it.
 AlignedResponse mixResponses(const AlignedSet& set, std::span<const SiteWeight> weights,
                              const Direction& direction);
 

@@ -10,7 +10,7 @@ namespace orvane::kestrum::tools {
 /// edge.
 ///
 /// Source  Nam, Abel and Smith, A method for estimating interaural time difference for binaural synthesis,
-/// AES 125 (2008).
+///         AES 125 (2008).
 class ArrivalFinder {
 public:
     explicit ArrivalFinder(std::size_t tapCount);

@@ -42,7 +42,7 @@ double interauralDelaySeconds(const Samples& left, const Samples& right, double 
     constexpr double fromHz = 100;
     constexpr double toHz = 1500;
     constexpr double longestSeconds = 1.2e-3;
-    constexpr std::size_t fineness = 16;
+    constexpr std::size_t fineness = 4; // the band ends far below: the parabola does the rest
     RealTransform transform(powerOfTwoFrom(2 * std::max(left.size(), right.size())));
     RealTransform fine(transform.size() * fineness);
     const Spectrum first = transform.forward(left);

@@ -37,13 +37,11 @@ struct BuiltSet {
     std::size_t mergedCount = 0;
     CapReport cap;
     double rollOffLead = 0;
-    AlignedSet source;   ///< The measured directions with the equalisation on them and nothing else: what is
-                         ///< compared with.
+    AlignedSet source;   ///< Measured directions, equalised and nothing else: what is compared with.
     AlignedSet complete; ///< With cap and low frequencies: what is interpolated.
     double originSeconds = 0;
-    InterauralErrors interpolator; ///< At all of the source's own directions.
-    InterauralErrors
-        leaveOneOut; ///< The same with the direction asked for left out: between the measured ones.
+    InterauralErrors interpolator;  ///< At all of the source's own directions.
+    InterauralErrors leaveOneOut;   ///< The same with the direction asked for left out.
     std::array<BuiltFile, 3> files; ///< In the order of responseFiles.
 
     /// Every figure beside its goal.
@@ -52,9 +50,9 @@ struct BuiltSet {
 
 /// Makes the three files' content of a measured set. The same set gives the same numbers, every time.
 ///
-///     receivers -> ears -> arrivals | responses -> repeats merged -> arrivals refined -> lower cap ->
-///     equalised
-///       -> low frequencies -> interpolated to the grid -> put together -> resampled, windowed -> level
+///     receivers -> ears -> arrivals | responses -> repeats merged -> arrivals refined -> lower cap
+///       -> equalised -> low frequencies -> interpolated to the grid -> put together
+///       -> resampled, windowed -> level
 ///
 /// @throws DataError when the set cannot serve.
 BuiltSet buildResponses(MeasuredSet measured, const BuildOptions& options = {});

@@ -11,9 +11,8 @@ namespace orvane::kestrum::tools {
 /// What completing the sphere found and did.
 struct CapReport {
     double lowestCoveredDegrees = -90; ///< Elevation of the lowest ring that the set measures all round.
-    double largestGapDegrees =
-        0; ///< Above that ring: how far a direction can be from the nearest measured one.
-    std::size_t modelledCount = 0; ///< Directions added below it.
+    double largestGapDegrees = 0;      ///< Above that ring: farthest a direction is from a measured one.
+    std::size_t modelledCount = 0;     ///< Directions added below it.
 };
 
 /// The lowest elevation of a site at which sites stand all round, no farther than 12 degrees apart from any

@@ -16,9 +16,8 @@ inline constexpr double speedOfSound = 343.0;      ///< Metres a second, at 20 d
 /// distance.
 ///
 /// Source  levels: Duda and Martens, Range dependence of the response of a spherical head model, JASA 104
-/// (1998),
-///         equation 3; arrivals: Woodworth's geometry, straight to what the source sees and along the surface
-///         behind.
+///         (1998), equation 3; arrivals: Woodworth's geometry, straight to what the source sees and along the
+///         surface behind.
 class SphericalHead {
 public:
     /// Tables the levels for every bin of a spectrum.

@@ -1,0 +1,126 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "data/About.h"
+#include "data/DataCommands.h"
+#include "data/DataError.h"
+#include "data/SofaReader.h"
+
+#include "SyntheticHead.h"
+
+#include <CLI/CLI.hpp>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <iterator>
+#include <sstream>
+#include <string>
+
+using namespace orvane::kestrum::tools;
+using ::testing::AllOf;
+using ::testing::HasSubstr;
+
+namespace {
+
+std::string contentOf(const std::filesystem::path& file) {
+    std::ifstream stream(file, std::ios::binary);
+    return {std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()};
+}
+
+/// What the program would say, or the sentence it would fail with.
+std::string run(const std::string& arguments) {
+    std::ostringstream out;
+    CLI::App program("", "kestrum");
+    addDataCommands(program, out);
+    try {
+        program.parse(arguments);
+    } catch (const DataError& error) {
+        return std::string("refused: ") + error.what();
+    }
+    return out.str();
+}
+
+std::string helpOf(const std::string& command) {
+    CLI::App program("", "kestrum");
+    addDataCommands(program);
+    try {
+        program.parse("data " + command + " --help");
+    } catch (const CLI::CallForHelp& help) {
+        std::ostringstream text;
+        program.exit(help, text, text);
+        return text.str();
+    }
+    return {};
+}
+
+TEST(Documentation, ShowsTheHelpOfTheDataCommands) {
+    const std::string page = contentOf(std::filesystem::path(KESTRUM_DOCS) / "tools" / "kestrum-data.md");
+    for (const std::string command : {"hrir", "check"}) {
+        const std::string help = helpOf(command);
+        ASSERT_THAT(help, HasSubstr("Usage: kestrum data " + command));
+        EXPECT_THAT(page, HasSubstr("```text\n" + help + "```"));
+    }
+}
+
+TEST(HrirCommand, RefusesAMissingFileWithTheRemedy) {
+    EXPECT_THAT(run("data hrir --sofa /none.sofa --out /tmp/none"),
+                AllOf(HasSubstr("refused: \"/none.sofa\" does not exist"), HasSubstr("libmysofa1")));
+}
+
+TEST(HrirCommand, RefusesAFileOfAnotherKind) {
+    const test::TemporaryFolder folder;
+    std::ofstream(folder.path / "noise.sofa") << "no measurement at all";
+    EXPECT_THAT(run("data hrir --out /tmp/none --sofa " + (folder.path / "noise.sofa").string()),
+                HasSubstr("cannot be read as a SOFA file"));
+}
+
+TEST(HrirCommand, RefusesToWorkForNoFolder) {
+    EXPECT_THAT(run("data hrir"), HasSubstr("name one with --out"));
+    EXPECT_THAT(run("data hrir --out /proc/none"), HasSubstr("cannot be made"));
+}
+
+TEST(HrirCommand, TellsTheOriginWithoutMakingAnything) {
+    EXPECT_THAT(run("data hrir --about"),
+                AllOf(HasSubstr("MIT_KEMAR_normal_pinna.sofa"), HasSubstr("\"sha256\"")));
+}
+
+TEST(CheckCommand, NamesEveryMissingFileAndTheRemedy) {
+    const test::TemporaryFolder folder;
+    EXPECT_THAT(run("data check " + folder.path.string()),
+                AllOf(HasSubstr("refused: "), HasSubstr("3 files missing or not sound"),
+                      HasSubstr("kestrum data hrir")));
+    EXPECT_THAT(run("data check /none"), HasSubstr("is no folder"));
+}
+
+/// Known: the digest of the three letters "abc", from FIPS 180-4.
+TEST(Digests, AreSha256) {
+    const test::TemporaryFolder folder;
+    std::ofstream(folder.path / "abc") << "abc";
+    EXPECT_EQ(sha256OfFile(folder.path / "abc"),
+              "ba7816bf8f01cfea414140de5dae2223b00361a396177a9cb410ff61f20015ad");
+    EXPECT_THROW(sha256OfFile(folder.path / "none"), DataError);
+}
+
+/// Known of the default set, from its own documents.
+TEST(SofaFiles, AreReadAsTheyWereMeasured) {
+    const MeasuredSet set = readSofa(defaultSofaFile);
+    EXPECT_EQ(set.measurements.size(), 710u);
+    EXPECT_EQ(set.tapCount, 512u);
+    EXPECT_EQ(set.sampleRate, 44100);
+    EXPECT_NEAR(set.distanceMetres, 1.4, 1e-6);
+    EXPECT_THAT(set.origin.citation, HasSubstr("Gardner"));
+    // The file's azimuth counts to the left: the second direction, 6.43 degrees there, is one to the left
+    // here.
+    EXPECT_NEAR(azimuthDegrees(set.measurements[1].direction), -6, 1);
+}
+
+/// Property: a file cut anywhere is refused, not believed and not crashed on.
+TEST(SofaFiles, CutShortAreRefused) {
+    const test::TemporaryFolder folder;
+    const std::string whole = contentOf(defaultSofaFile);
+    for (const std::size_t size : {std::size_t{0}, std::size_t{100}, std::size_t{5000}}) {
+        std::ofstream(folder.path / "cut.sofa", std::ios::binary) << whole.substr(0, size);
+        EXPECT_THROW(readSofa(folder.path / "cut.sofa"), DataError) << size;
+    }
+}
+
+} // namespace
