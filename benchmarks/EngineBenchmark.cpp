@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // Whole engines and single loudspeakers, as a share of real time: "realtime" 0.05 means a twentieth of one
 // core.
+#include "ShareOfRealTime.h"
 #include "assembly/Product.h"
 #include "binaural/BinauralComponentFactory.h"
 #include "binaural/BinauralProcessor.h"
@@ -19,13 +20,6 @@ namespace {
 
 constexpr double sampleRate = 48000.0;
 
-/// Share of the clock that the blocks of a run take.
-void reportShareOfRealTime(benchmark::State& state, std::int64_t blockSize) {
-    state.counters["realtime"] =
-        benchmark::Counter(static_cast<double>(blockSize) / sampleRate,
-                           benchmark::Counter::kIsIterationInvariantRate | benchmark::Counter::kInvert);
-}
-
 void wholeEngine(benchmark::State& state, const char* layout) {
     const auto blockSize = static_cast<std::uint64_t>(state.range(0));
     test::SphericalHead head(139);
@@ -38,9 +32,9 @@ void wholeEngine(benchmark::State& state, const char* layout) {
         pointers.push_back(channel.data());
     const orvane::SampleBuffer input(pointers.data(), 16, blockSize);
     orvane::SampleBuffer output(2, blockSize);
+    const bench::ShareOfRealTime share(state, state.range(0), sampleRate);
     for (auto _ : state)
         product.manager->process(input, output);
-    reportShareOfRealTime(state, state.range(0));
 }
 BENCHMARK_CAPTURE(wholeEngine, 2.0, "2.0 +/-30°")->Arg(64)->Arg(128)->Arg(512);
 BENCHMARK_CAPTURE(wholeEngine, 5.1, "5.1 ITU")->Arg(64)->Arg(128)->Arg(512);
@@ -55,9 +49,9 @@ void oneLoudspeaker(benchmark::State& state) {
         orvane::SpatialPosition(0, -30, 1.5f), product.parameterSet.get(), sampleRate, blockSize, &head);
     orvane::SampleBuffer input(1, blockSize);
     orvane::SampleBuffer output(2, blockSize);
+    const bench::ShareOfRealTime share(state, state.range(0), sampleRate);
     for (auto _ : state)
         speaker->process(input, output);
-    reportShareOfRealTime(state, state.range(0));
 }
 BENCHMARK(oneLoudspeaker)->Arg(64)->Arg(128)->Arg(512);
 

@@ -1,15 +1,15 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
-# kestrum_test(<name> SOURCES ... LINK ... [LABELS ...] [LOCK <resource>] [TIMEOUT <seconds>])
-# One GoogleTest program; every test case becomes a CTest entry "<name>.<Suite>.<Case>". Tests that share something
-# global of the machine (the rotation segment) name it as LOCK and run one at a time.
+# kestrum_test(<name> SOURCES ... LINK ... [LABELS ...] [SERIAL] [TIMEOUT <seconds>])
+# One GoogleTest program; every test case becomes a CTest entry "<name>.<Suite>.<Case>". SERIAL tests run
+# alone: they change something global of the machine (the rotation segment), which every plug-in instance looks at.
 function(kestrum_test name)
-    cmake_parse_arguments(arg "" "LOCK;TIMEOUT" "SOURCES;LINK;LABELS" ${ARGN})
+    cmake_parse_arguments(arg "SERIAL" "TIMEOUT" "SOURCES;LINK;LABELS" ${ARGN})
     add_executable(${name}_tests ${arg_SOURCES})
     target_link_libraries(${name}_tests PRIVATE kestrum::compile_options kestrum::test_support ${arg_LINK}
                                                 GTest::gmock GTest::gtest_main)
     set(properties LABELS "${name};${arg_LABELS}")
-    if(arg_LOCK)
-        list(APPEND properties RESOURCE_LOCK ${arg_LOCK})
+    if(arg_SERIAL)
+        list(APPEND properties RUN_SERIAL TRUE)
     endif()
     if(arg_TIMEOUT)
         list(APPEND properties TIMEOUT ${arg_TIMEOUT})

@@ -5,8 +5,9 @@
 
 namespace orvane {
 
-// One type and one fixed text per kind of damage. The texts are shown and logged by others, so they stay as
-// they are, their slips included.
+// One type and one fixed text per kind of damage.
+// Deliberate: the texts stay as they are, their slips included (19200 stands for 192000), and so do the
+// lower-case initials of the types.
 
 struct sampleRateNotSupportedException final : std::exception {
     const char* what() const noexcept override {

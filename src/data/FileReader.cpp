@@ -17,8 +17,6 @@ constexpr std::uint64_t bytesPerEntry = 4;
 constexpr std::uint64_t bytesPerFrame = 8;
 
 std::uint32_t readOffset(std::ifstream& stream, std::uint32_t entry) {
-    if (entry == 0)
-        throw std::out_of_range("entries are counted from 1");
     std::array<char, bytesPerEntry> bytes{};
     stream.seekg(static_cast<std::streamoff>(tableStart + bytesPerEntry * (entry - 1u)));
     stream.read(bytes.data(), static_cast<std::streamsize>(bytes.size()));
@@ -36,6 +34,8 @@ std::vector<float> FileReader::read(const std::string& path, std::uint64_t float
         std::ifstream stream(path, std::ios::binary);
         if (!stream.is_open())
             throw wavNotReadableException();
+        if (entry == 0)
+            return samples;
         const std::uint64_t offset = readOffset(stream, entry);
         stream.seekg(
             static_cast<std::streamoff>(tableStart + bytesPerEntry * tableSize + bytesPerFrame * offset));

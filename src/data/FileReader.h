@@ -7,6 +7,10 @@ namespace orvane {
 
 /// The reverb container: 2 bytes that are not read, a table of 32-bit offsets in stereo frames from the
 /// table's end, then stereo frames of 32-bit floats. Little-endian. Stateless.
+///
+/// Positions are computed in 64 bits: whatever the table says, a start outside the file gives zeros. A file
+/// that ends before the entry of the table is not readable.
+/// Deliberate: entry 0, which rooms without a reverb ask for, gives zeros, but the file has to be there.
 class FileReader final : public IFileReader {
 public:
     std::vector<float> read(const std::string& path, std::uint64_t floatCount, std::uint32_t tableSize,

@@ -9,6 +9,7 @@
 #include <array>
 #include <cmath>
 #include <cstddef>
+#include <span>
 #include <utility>
 
 namespace orvane {
@@ -99,7 +100,8 @@ TenmarshHrir::~TenmarshHrir() = default;
 
 void TenmarshHrir::load(std::int32_t sampleRate, const std::string& dataDirectory) {
     const std::lock_guard lock(loadMutex);
-    if (const Table* const loaded = current.load(); loaded != nullptr && loaded->sampleRate == sampleRate)
+    if (const Table* const loaded = current.load(std::memory_order_acquire);
+        loaded != nullptr && loaded->sampleRate == sampleRate)
         return;
     const std::unique_ptr<IIrFile> file =
         IrFileFactory().create(static_cast<double>(sampleRate), "/OVNdata12", dataDirectory);
@@ -134,14 +136,17 @@ void TenmarshHrir::load(std::int32_t sampleRate, const std::string& dataDirector
     table->sampleRate = sampleRate;
     table->length = length;
     table->bandLimitFactor = file->isUpsampled() ? sampleRate / file->nativeSampleRate() : 1;
-    current = keep(std::move(table));
+    current.store(keep(std::move(table)), std::memory_order_release);
 }
 
 /// A set that was read before is used again, so that instances which take turns do not fill the memory.
 const TenmarshHrir::Table* TenmarshHrir::keep(std::unique_ptr<const Table> table) {
     const auto same =
         std::find_if(tables.begin(), tables.end(), [&](const std::unique_ptr<const Table>& known) {
-            return known->sampleRate == table->sampleRate && known->measuredSamples == table->measuredSamples;
+            // As bytes: a file may hold values that are not numbers, which never compare equal.
+            return known->sampleRate == table->sampleRate &&
+                   std::ranges::equal(std::as_bytes(std::span(known->measuredSamples)),
+                                      std::as_bytes(std::span(table->measuredSamples)));
         });
     if (same != tables.end())
         return same->get();
@@ -150,18 +155,18 @@ const TenmarshHrir::Table* TenmarshHrir::keep(std::unique_ptr<const Table> table
 }
 
 std::int32_t TenmarshHrir::bandLimitFactor() const noexcept {
-    const Table* const table = current.load();
+    const Table* const table = current.load(std::memory_order_acquire);
     return table != nullptr ? table->bandLimitFactor : 1;
 }
 
 std::uint64_t TenmarshHrir::length() const noexcept {
-    const Table* const table = current.load();
+    const Table* const table = current.load(std::memory_order_acquire);
     return table != nullptr ? table->length : 0;
 }
 
 void TenmarshHrir::getResponse(SampleBuffer& out, std::int32_t azimuthDegrees, std::int32_t elevationDegrees,
                                bool simple) const noexcept {
-    const Table* const table = current.load();
+    const Table* const table = current.load(std::memory_order_acquire);
     if (table == nullptr)
         return;
     const std::int32_t a = (std::clamp(azimuthDegrees, -180, 180) + 180) / degreesPerCell;

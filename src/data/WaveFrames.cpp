@@ -9,6 +9,7 @@
 #include <cassert>
 #include <cstddef>
 #include <fstream>
+#include <limits>
 
 namespace orvane {
 
@@ -67,6 +68,9 @@ void readWaveFrames(const IIrFile& file, std::vector<float>& samples, std::uint6
         throw wavBitWrongException();
     const std::uint64_t dataChunk = findDataChunk(stream);
     const std::int64_t dataSize = readAt<std::int32_t>(stream, dataChunk + 4);
+    // Compared in frames first, so that no count of frames is too large for the product.
+    if (frames > std::numeric_limits<std::uint32_t>::max())
+        throw wavChunckSizeShortException();
     const std::uint64_t count = frames * channels;
     if (dataSize / (bits / 8) < static_cast<std::int64_t>(count))
         throw wavChunckSizeShortException();
@@ -86,7 +90,7 @@ void readWaveFrames(const IIrFile& file, std::vector<float>& samples, std::uint6
 
 void zeroStuff(std::vector<float>& samples, std::int32_t fromRate, std::int32_t toRate,
                std::uint16_t channels) {
-    if (fromRate <= 0 || toRate <= fromRate)
+    if (fromRate <= 0 || toRate <= fromRate || channels == 0)
         return;
     const std::size_t group = static_cast<std::size_t>(toRate / fromRate) * channels;
     // From the last group to the second, so that no frame is overwritten before it is moved.

@@ -92,8 +92,8 @@ void EngineManager::rebuild() {
     const std::lock_guard lock(mutex);
     std::shared_ptr<IEngine>
         former; // dies under the lock: whoever waits for it finds nothing left of this rebuild
-    reloadPending = false;
-    if (!prepared)
+    // Asked again under the lock: a preparation that came first has taken the request with it.
+    if (!reloadPending.exchange(false) || !prepared)
         return;
     const std::shared_ptr<IEngine> live = engine.current();
     auto* const pendingFade = dynamic_cast<IPendingFade*>(live.get());

@@ -26,8 +26,6 @@ std::string dataDirectory() {
 
 } // namespace
 
-juce::AudioProcessor* JUCE_CALLTYPE createPluginFilter();
-
 /// The framework's hook: one processor per plug-in instance, owned by the caller.
 juce::AudioProcessor* JUCE_CALLTYPE createPluginFilter() {
     auto parameterClient = OrvaneIPC::OrvaneParameterFactory().createClient();

@@ -29,6 +29,16 @@ std::int32_t wholeHertz(double sampleRate) noexcept {
                : 0;
 }
 
+/// Whether a chunk has the length that its header tells: the framework's reader takes an element whose end
+/// has been cut off for a whole one, and the values that were cut off for zeros.
+bool isWhole(const void* data, int size) noexcept {
+    constexpr int headerSize = 8;
+    if (size <= headerSize)
+        return false;
+    const auto textLength = juce::ByteOrder::littleEndianInt(static_cast<const char*>(data) + 4);
+    return static_cast<std::uint32_t>(size - headerSize) >= textLength;
+}
+
 } // namespace
 
 Processor::Processor(const juce::String& name, std::unique_ptr<core::IComponentFactory> givenComponentFactory,
@@ -155,6 +165,8 @@ void Processor::getStateInformation(juce::MemoryBlock& destination) {
 }
 
 void Processor::setStateInformation(const void* data, int size) {
+    if (!isWhole(data, size))
+        return;
     if (const auto xml = getXmlFromBinary(data, size); xml != nullptr)
         processorState->fromValueTree(juce::ValueTree::fromXml(*xml));
 }

@@ -5,13 +5,12 @@
 #include "base/SampleBuffer.h"
 #include "engine/IEngineManager.h"
 #include "engine/assembly/ComponentFactory.h"
-#include "ipc/EmptyHeadRotation.h"
-#include "ipc/IOrvaneParameterClient.h"
 #include "parameters/core/IParameterMapper.h"
 #include "parameters/core/IParameterSet.h"
 #include "parameters/core/ISelectorValue.h"
 #include "parameters/core/ISliderValue.h"
 #include "parameters/core/SelectorId.h"
+#include "support/NoTracker.h"
 #include "support/SphericalHead.h"
 
 #include <algorithm>
@@ -23,16 +22,6 @@
 #include <vector>
 
 namespace test {
-
-/// A link without a tracker.
-class NoTracker final : public OrvaneIPC::IOrvaneParameterClient {
-public:
-    bool isConnected() const noexcept override { return false; }
-    OrvaneIPC::IHeadRotationClient& getHeadRotationClient() noexcept override { return rotation; }
-
-private:
-    OrvaneIPC::EmptyHeadRotation rotation;
-};
 
 using Channels = std::vector<std::vector<float>>; ///< [channel][frame]
 

@@ -126,6 +126,28 @@ Signal band(const Signal& signal, double sampleRate, double low, double high) {
     return section(section(signal, low, true), high, false);
 }
 
+/// The bass shelf of the output stage, -2.7 dB at 340 Hz, which weights a voice's low end in both ears alike.
+Signal bassShelf(const Signal& in, double sampleRate) {
+    const double k = std::tan(std::numbers::pi * 340.0 / sampleRate);
+    const double v = std::pow(10.0, 2.7 / 20.0);
+    const double root = std::sqrt(2.0 * v);
+    const double norm = 1.0 / (1.0 + root * k + v * k * k);
+    const double b0 = (1.0 + std::numbers::sqrt2 * k + k * k) * norm;
+    const double b1 = 2.0 * (k * k - 1.0) * norm;
+    const double b2 = (1.0 - std::numbers::sqrt2 * k + k * k) * norm;
+    const double a1 = 2.0 * (v * k * k - 1.0) * norm;
+    const double a2 = (1.0 - root * k + v * k * k) * norm;
+    Signal out(in.size());
+    double z1 = 0;
+    double z2 = 0;
+    for (std::size_t n = 0; n < in.size(); ++n) {
+        out[n] = b0 * in[n] + z1;
+        z1 = b1 * in[n] - a1 * out[n] + z2;
+        z2 = b2 * in[n] - a2 * out[n];
+    }
+    return out;
+}
+
 double energy(const Signal& signal) {
     return std::inner_product(signal.begin(), signal.end(), signal.begin(), 0.0);
 }
@@ -187,7 +209,7 @@ void expectHeardFromTheirPlaces(const Sound& input, const Sound& output) {
         ASSERT_LT(range.first, range.second) << "the channel is silent";
         const Signal heardLeft = part(output.channels[0], range);
         const Signal heardRight = part(output.channels[1], range);
-        const Signal spoken = part(input.channels[place.channel], range);
+        const Signal spoken = bassShelf(part(input.channels[place.channel], range), sampleRate);
         const auto [leftResponse, rightResponse] = headResponse(input.sampleRate, place.azimuth, 0);
         const Signal left = convolve(spoken, leftResponse);
         const Signal right = convolve(spoken, rightResponse);

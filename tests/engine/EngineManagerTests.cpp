@@ -194,9 +194,12 @@ TEST_F(EngineManagerTest, ARequestWhileNotPreparedCausesNoRebuildNowOrLater) {
 TEST_F(EngineManagerTest, PrepareTakesAPendingRequestWithIt) {
     manager->prepare(blockSize, sampleRate);
     manager->release();
-    for (int round = 0; round < 50; ++round) {
-        manager->reloadRequested();
-        manager->prepare(blockSize, sampleRate);
+    manager->prepare(2, 192000.0); // the shortest poll period: the background task looks all the time
+    manager->release();
+    for (int round = 0; round < 2000; ++round) {
+        manager->reloadRequested(); // not prepared: dropped by the background task, or taken along by prepare
+        manager->prepare(2, 192000.0);
+        manager->release();
     }
     manager.reset(); // the background task has ended
     EXPECT_EQ(shared.crossfades, 0);

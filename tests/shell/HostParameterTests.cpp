@@ -56,14 +56,15 @@ class HostSlider : public ::testing::TestWithParam<SliderFacts> {};
 TEST_P(HostSlider, HasItsRangeStepAndDefault) {
     const auto processor = anyProcessor();
     const auto& parameter = test::parameter(*processor, GetParam().name);
-    EXPECT_EQ(parameter.range.start, GetParam().minimum);
-    EXPECT_EQ(parameter.range.end, GetParam().maximum);
-    EXPECT_EQ(parameter.range.interval, GetParam().step);
-    EXPECT_EQ(parameter.range.skew, 1.0f);
-    EXPECT_FALSE(parameter.range.symmetricSkew);
+    const auto& range = parameter.getNormalisableRange();
+    EXPECT_EQ(range.start, GetParam().minimum);
+    EXPECT_EQ(range.end, GetParam().maximum);
+    EXPECT_EQ(range.interval, GetParam().step);
+    EXPECT_EQ(range.skew, 1.0f);
+    EXPECT_FALSE(range.symmetricSkew);
     EXPECT_FALSE(parameter.isDiscrete());
-    EXPECT_EQ(parameter.get(), GetParam().start);
-    EXPECT_EQ(parameter.getDefaultValue(), parameter.range.convertTo0to1(GetParam().start));
+    EXPECT_EQ(test::shown(*processor, GetParam().name), GetParam().start);
+    EXPECT_EQ(parameter.getDefaultValue(), range.convertTo0to1(GetParam().start));
     EXPECT_EQ(parameter.getCurrentValueAsText(), juce::String(GetParam().text));
 }
 INSTANTIATE_TEST_SUITE_P(OfTheTable, HostSlider,
@@ -178,10 +179,10 @@ TEST(HostParameters, AStormOfWritesLeavesValuesAndParametersAgreedAndTheSoundFin
     host.join();
     EXPECT_TRUE(finite);
     auto& state = *processor->getProcessorState();
-    EXPECT_EQ(test::parameter(*processor, "Ambience").get(), state.getAmbience()->getValue());
-    EXPECT_EQ(test::parameter(*processor, "Focus").get(), state.getFocus()->getValue());
-    EXPECT_EQ(test::parameter(*processor, "Head Rotation").get(), state.getHeadRotation()->getValue());
-    EXPECT_EQ(test::parameter(*processor, "Master Gain").get(), state.getMasterGain()->getValue());
+    EXPECT_EQ(test::shown(*processor, "Ambience"), state.getAmbience()->getValue());
+    EXPECT_EQ(test::shown(*processor, "Focus"), state.getFocus()->getValue());
+    EXPECT_EQ(test::shown(*processor, "Head Rotation"), state.getHeadRotation()->getValue());
+    EXPECT_EQ(test::shown(*processor, "Master Gain"), state.getMasterGain()->getValue());
 }
 
 } // namespace

@@ -72,9 +72,13 @@ void load(Processor& processor, const juce::MemoryBlock& chunk) {
     processor.setStateInformation(chunk.getData(), static_cast<int>(chunk.getSize()));
 }
 
+/// The framework's binary form, byte by byte: its own writer does not survive text between tags.
 juce::MemoryBlock chunkFrom(const std::string& xml) {
     juce::MemoryBlock chunk;
-    juce::AudioProcessor::copyXmlToBinary(*juce::parseXML(juce::String(xml)), chunk);
+    juce::MemoryOutputStream stream(chunk, false);
+    stream.writeInt(0x21324356); // "VC2!"
+    stream.writeInt(static_cast<int>(xml.size()));
+    stream.write(xml.c_str(), xml.size() + 1);
     return chunk;
 }
 
@@ -150,7 +154,7 @@ TEST(ForeignState, AnotherRootTypeChangesNothing) {
 
 TEST(ForeignState, WithOnlyALayoutTheSceneBecomesTheDefaultAndAllSlidersBecomeZero) {
     const auto processor = processorWith(unusual);
-    load(*processor, chunkFrom(R"(<ORVANEKESTRUM><SpeakerSetup Value="1555592503"/></ORVANEKESTRUM>)"));
+    load(*processor, chunkFrom(R"(<ORVANEKESTRUM><SpeakerSetup Value="1555591991"/></ORVANEKESTRUM>)"));
     EXPECT_EQ(valuesOf(*processor), (Values{0x5CB87337, defaults.scene, 0, 0, 0, 0})); // "Quad"
 }
 
@@ -195,9 +199,10 @@ TEST(DamagedState, ACutChunkChangesNothingUnlessAllOfItsTreeIsThere) {
         target->setStateInformation(chunk.getData(), static_cast<int>(length));
         const Values now = valuesOf(*target);
         EXPECT_TRUE(now == defaults || now == unusual) << length << ": " << now;
-        refused += now == defaults ? 1 : 0;
+        if (now == defaults)
+            ++refused;
     }
-    EXPECT_GE(refused, chunk.getSize() - 3); // the closing zero, and at most two bytes of the closing tag
+    EXPECT_EQ(refused, chunk.getSize() - 1); // only the closing zero may be missing
 }
 
 TEST(DamagedState, RandomBytesChangeNothing) {

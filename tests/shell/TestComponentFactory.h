@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "base/IInPlaceProcessor.h"
+#include "base/ISpatialProcessor.h"
 #include "engine/IEngineManager.h"
 #include "engine/assembly/ComponentFactory.h"
 #include "filters/IGenericBiquadFilter.h"

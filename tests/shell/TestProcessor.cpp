@@ -4,9 +4,9 @@
 #include "TestDataFolder.h"
 #include "data/TenmarshHrir.h"
 #include "data/TenmarshHrirReader.h"
-#include "ipc/OrvaneParameterFactory.h"
 #include "shell/ChannelConfigurations.h"
 #include "shell/Factory.h"
+#include "support/NoTracker.h"
 
 #include <algorithm>
 #include <cmath>
@@ -37,7 +37,6 @@ public:
     void getResponse(orvane::SampleBuffer&, std::int32_t, std::int32_t, bool) const noexcept override {}
 };
 
-/// As in the product: one store for all processors of the process.
 orvane::IHrir* sharedStore() {
     static orvane::TenmarshHrir store(std::make_unique<orvane::TenmarshHrirReader>());
     return &store;
@@ -47,14 +46,15 @@ std::unique_ptr<Processor> assemble(std::unique_ptr<core::IComponentFactory> com
                                     std::function<std::string()> dataDirectory) {
     auto factory = std::make_unique<orvane::kestrum::Factory>(components.get());
     return std::make_unique<Processor>("Orvane KESTRUM", std::move(components), std::move(factory),
-                                       OrvaneIPC::OrvaneParameterFactory().createClient(), hrir,
+                                       std::make_unique<NoTracker>(), hrir,
                                        orvane::kestrum::channelConfigurations, std::move(dataDirectory));
 }
 
 } // namespace
 
-std::unique_ptr<Processor> makeProcessor(std::function<std::string()> dataDirectory) {
-    return assemble(std::make_unique<core::ComponentFactory>(), sharedStore(), std::move(dataDirectory));
+std::unique_ptr<Processor> makeProcessor(std::function<std::string()> dataDirectory, orvane::IHrir* hrir) {
+    return assemble(std::make_unique<core::ComponentFactory>(), hrir != nullptr ? hrir : sharedStore(),
+                    std::move(dataDirectory));
 }
 
 std::unique_ptr<Processor> makeDryProcessor() {
@@ -69,16 +69,21 @@ std::unique_ptr<Processor> makeProcessor(TestComponentFactory::MakeManager makeM
                     [] { return std::string(); });
 }
 
-juce::AudioProcessorValueTreeState::Parameter& parameter(Processor& processor, const std::string& name) {
+juce::RangedAudioParameter& parameter(Processor& processor, const std::string& name) {
     for (auto* const candidate : processor.getParameters())
         if (candidate->getName(100) == juce::String(name))
-            return dynamic_cast<juce::AudioProcessorValueTreeState::Parameter&>(*candidate);
+            return dynamic_cast<juce::RangedAudioParameter&>(*candidate);
     throw std::invalid_argument("no parameter " + name);
+}
+
+float shown(Processor& processor, const std::string& name) {
+    const auto& shownParameter = parameter(processor, name);
+    return shownParameter.convertFrom0to1(shownParameter.getValue());
 }
 
 void setParameter(Processor& processor, const std::string& name, float value) {
     auto& target = parameter(processor, name);
-    target.setValueNotifyingHost(target.range.convertTo0to1(value));
+    target.setValueNotifyingHost(target.convertTo0to1(value));
 }
 
 void choose(Processor& processor, const std::string& name, const std::string& entry) {

@@ -16,7 +16,9 @@ namespace test {
 using orvane::kestrum::Processor;
 
 /// The product's processor over a data folder of the test's own.
-std::unique_ptr<Processor> makeProcessor(std::function<std::string()> dataDirectory);
+/// @param hrir null for one store that, as in the product, all processors of the process share.
+std::unique_ptr<Processor> makeProcessor(std::function<std::string()> dataDirectory,
+                                         orvane::IHrir* hrir = nullptr);
 
 /// The same over the filled folder, with the Scene "Analytic Dry": nothing but direct sound.
 std::unique_ptr<Processor> makeDryProcessor();
@@ -27,7 +29,10 @@ std::unique_ptr<Processor> makeProcessor(TestComponentFactory::MakeManager makeM
 /// Writes a host parameter, by name, in its own unit; a selector by the name of its entry.
 void setParameter(Processor& processor, const std::string& name, float value);
 void choose(Processor& processor, const std::string& name, const std::string& entry);
-juce::AudioProcessorValueTreeState::Parameter& parameter(Processor& processor, const std::string& name);
+juce::RangedAudioParameter& parameter(Processor& processor, const std::string& name);
+
+/// What a host parameter shows, in its own unit.
+float shown(Processor& processor, const std::string& name);
 
 /// Gives the main input bus `inputs` discrete channels, the output stereo. @return whether the processor
 /// agreed.

@@ -12,10 +12,11 @@
 
 namespace test {
 
-/// A store with one impulse per ear and direction: delay and level of a simple spherical head, so that a test can
-/// predict what a loudspeaker must sound like.
+/// A store with one impulse per ear and direction: delay and level of a simple spherical head, so that a test
+/// can predict what a loudspeaker must sound like.
 ///
-/// Frame   as the real store: the azimuth it is asked for counts to the left (renderers negate before they ask).
+/// Frame   as the real store: the azimuth it is asked for counts to the left (renderers negate before they
+/// ask).
 class SphericalHead final : public orvane::IHrir {
 public:
     explicit SphericalHead(std::uint64_t responseLength = 128) : samples(responseLength) {}
@@ -28,7 +29,8 @@ public:
     /// What the ear on `side` (-1 left, +1 right) gets from a source; azimuth positive to the right.
     static Ear ear(int side, double azimuthDegrees, double elevationDegrees) {
         const double radians = std::numbers::pi / 180.0;
-        const double lateral = std::sin(azimuthDegrees * radians) * std::cos(elevationDegrees * radians) * side;
+        const double lateral =
+            std::sin(azimuthDegrees * radians) * std::cos(elevationDegrees * radians) * side;
         return {static_cast<std::uint64_t>(std::lround(20.0 - 15.0 * lateral)),
                 static_cast<float>(std::pow(10.0, lateral * 6.0 / 20.0))};
     }

@@ -50,6 +50,7 @@ private:
     ~PlanCache() {
         for (const auto& [key, plan] : plans)
             fftwf_destroy_plan(plan);
+        fftwf_cleanup(); // the planner's own tables, which would outlive a module that is unloaded
     }
 
     /// Planned on aligned memory, as every transform runs on its own aligned scratch; estimated, not
@@ -215,12 +216,14 @@ private:
     fftwf_plan backwardPlan;
 };
 
-constexpr std::size_t largestDirectPrime = 13;
+/// Lengths that the library runs without allocating, found by running them: even ones without a prime factor
+/// above 13. Odd ones with several factors allocate, however small the factors.
+bool runsDirectly(std::size_t length) noexcept { return length % 2 == 0 && largestPrimeFactor(length) <= 13; }
 
 } // namespace
 
 RealTransform::RealTransform(std::size_t length) {
-    if (largestPrimeFactor(length) <= largestDirectPrime)
+    if (runsDirectly(length))
         method = std::make_unique<DirectMethod>(length);
     else
         method = std::make_unique<ChirpMethod>(length);

@@ -11,15 +11,15 @@ namespace orvane::fft {
 
 /// Discrete Fourier transform of real signals of one fixed, arbitrary length, in single precision.
 ///
-/// Shape   time [length]; spectrum [length / 2 + 1], bin 0 to the middle, unpacked. No alignment is asked
-/// for. Units   both directions are unscaled: there and back multiplies by `length`. Thread  made and
-/// destroyed on threads that may wait (plans are shared behind one mutex of the module); forward() and
-///         backward() on one thread at a time per object: no allocation, no lock.
+/// Shape   time [length]; spectrum [length / 2 + 1], bin 0 to the middle, unpacked; any alignment.
+/// Units   both directions are unscaled: there and back multiplies by `length`.
+/// Thread  made and destroyed on threads that may wait (plans are shared behind one mutex of the module);
+///         forward() and backward() on one thread at a time per object: no allocation, no lock up to a
+///         length of 131072, far above any block of a host.
 /// Errors  std::bad_alloc at construction only.
-/// Source  lengths with a prime factor above 13 go through the chirp-z transform: L. Bluestein, "A linear
-/// filtering
-///         approach to the computation of discrete Fourier transform", IEEE Trans. Audio Electroacoust. 18,
-///         1970; the FFT library would allocate while it runs for them.
+/// Source  odd lengths and those with a prime factor above 13, for which the library would allocate while
+///         it runs, go through the chirp-z transform: L. Bluestein, "A linear filtering approach to the
+///         computation of discrete Fourier transform", IEEE Trans. Audio Electroacoust. 18, 1970.
 class RealTransform {
 public:
     /// @param length samples, 1 or more.
