@@ -20,9 +20,7 @@ namespace {
 
 using namespace orvane::kestrum::host;
 using namespace orvane::kestrum::host::test;
-using ::testing::ElementsAre;
 using ::testing::HasSubstr;
-using ::testing::IsEmpty;
 using ::testing::Not;
 using ::testing::UnorderedElementsAre;
 
@@ -48,7 +46,7 @@ std::vector<std::string> exportedSymbols() {
     std::string type;
     std::string name;
     while (lines >> address >> type >> name)
-        symbols.push_back(type + " " + name);
+        symbols.push_back(type.append(" ").append(name));
     return symbols;
 }
 
