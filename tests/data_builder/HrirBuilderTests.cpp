@@ -207,6 +207,7 @@ TEST_F(MeasuredHead, GivesTheSameBytesEveryTime) {
     EXPECT_THAT(out.str(), HasSubstr("all goals met"));
     const std::string page = bytesOf(again.path / "report" / "index.html");
     EXPECT_THAT(page, HasSubstr("This set is good: every figure meets its goal."));
+    EXPECT_THAT(page, HasSubstr("<td>at least 99.5</td>"));
     for (const std::string plot : {"coverage", "delay", "level", "spectra", "diffuse", "kept", "responses"}) {
         EXPECT_THAT(page, HasSubstr(plot + ".svg"));
         EXPECT_THAT(bytesOf(again.path / "report" / (plot + ".svg")), HasSubstr("</svg>"));

@@ -209,6 +209,14 @@ TEST(HostileHeaders, NeverCrashTheCheck) {
         }
 }
 
+TEST(DataFolders, WithAFolderInAFilesPlaceLackThatFile) {
+    const test::TemporaryFolder folder;
+    std::filesystem::create_directory(folder.path / responseFiles[0].name);
+    const FileVerdict verdict = checkResponseFile(responseFiles[0], folder.path);
+    EXPECT_FALSE(verdict.sound);
+    EXPECT_EQ(verdict.finding, "it is missing or may not be read");
+}
+
 TEST(DataFolders, AreCheckedFileByFile) {
     const test::TemporaryFolder folder;
     writeResponseSet(plausibleSet(responseFiles[0]), folder.path);

@@ -75,6 +75,8 @@ void runHrir(const HrirRequest& request, std::ostream& out) {
     if (request.out.empty())
         throw DataError("There is no folder for the files: name one with --out.");
     makeFolder(request.out);
+    if (!request.report.empty())
+        makeFolder(request.report);
     tellSource(measured, out);
     const BuiltSet built = buildResponses(std::move(measured));
     tellFindings(built, out);
@@ -82,7 +84,6 @@ void runHrir(const HrirRequest& request, std::ostream& out) {
         writeResponseSet(file.set, request.out);
     writeAbout(about, request.out);
     if (!request.report.empty()) {
-        makeFolder(request.report);
         writeReport(built, about, request.report);
         out << "Report: " << (request.report / "index.html").string() << "\n";
     }
@@ -108,7 +109,7 @@ void runCheck(const std::filesystem::path& folder, std::ostream& out) {
     }
     if (faults > 0)
         throw DataError("The data folder \"" + folder.string() + "\" has " + std::to_string(faults) +
-                        (faults == 1 ? " file" : " files") + " missing or not sound. " + remedy);
+                        (faults == 1 ? " file" : " files") + " missing or not sound: " + remedy);
     out << "The data folder \"" << folder.string() << "\" is complete and sound.\n";
 }
 
@@ -126,6 +127,8 @@ void addHrirCommand(CLI::App& data, std::ostream& out) {
                      "Folder for a page with plots and a verdict (needs gnuplot)")
         ->type_name("DIR");
     command->add_flag("--about", request->aboutOnly, "Only print the about.json that the set would carry");
+    command->footer("Example:\n"
+                    "  kestrum data hrir --out my-head --sofa my-head.sofa --report my-head-report");
     command->callback([request, &out] { runHrir(*request, out); });
 }
 
@@ -134,6 +137,8 @@ void addCheckCommand(CLI::App& data, std::ostream& out) {
         data.add_subcommand("check", "Says file by file whether a data folder is complete and sound.");
     const auto folder = std::make_shared<std::filesystem::path>();
     command->add_option("DIR", *folder, "The data folder")->required()->type_name("");
+    command->footer("Example:\n"
+                    "  kestrum data check /opt/Tenmarsh/OrvaneVSTPlugin/data");
     command->callback([folder, &out] { runCheck(*folder, out); });
 }
 

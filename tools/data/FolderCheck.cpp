@@ -14,7 +14,7 @@ namespace orvane::kestrum::tools {
 
 namespace {
 
-constexpr const char* remakeRemedy = "Make the set anew with \"kestrum data hrir\" or scripts/install-data.";
+constexpr const char* remakeRemedy = "make the set anew with \"kestrum data hrir\" or scripts/install-data.";
 
 bool silent(const Samples& samples) {
     return std::ranges::all_of(samples, [](double sample) { return sample == 0; });

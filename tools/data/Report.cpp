@@ -198,6 +198,13 @@ void drawPlots(const std::filesystem::path& folder) {
         throw DataError("The plots cannot be drawn: install the package gnuplot-nox, or leave --report out.");
 }
 
+/// @return 99.5 as "99.5" and 20 as "20", whatever precision the page's values have.
+std::string shortest(double number) {
+    std::ostringstream text;
+    text << number;
+    return text.str();
+}
+
 std::string escaped(const std::string& text) {
     std::string result;
     for (const char letter : text)
@@ -236,9 +243,8 @@ void writeReport(const BuiltSet& built, const std::string& about, const std::fil
     page << std::fixed << std::setprecision(2);
     for (const Figure& figure : figures)
         page << "<tr><td>" << escaped(figure.name) << "</td><td>" << figure.value << " " << figure.unit
-             << "</td><td>" << (figure.atLeast ? "at least " : "at most ") << std::defaultfloat << figure.goal
-             << std::fixed << "</td><td" << (figure.met() ? ">met" : " class=\"missed\">missed")
-             << "</td></tr>\n";
+             << "</td><td>" << (figure.atLeast ? "at least " : "at most ") << shortest(figure.goal)
+             << "</td><td" << (figure.met() ? ">met" : " class=\"missed\">missed") << "</td></tr>\n";
     page << "</table>\n<p>Between the measured directions, each left out in turn and asked of its "
             "neighbours: level between the "
             "ears "

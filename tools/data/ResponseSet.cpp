@@ -125,7 +125,7 @@ void writeResponseSet(const ResponseSet& set, const std::filesystem::path& folde
 
 ResponseSet readResponseSet(const ResponseFile& file, const std::filesystem::path& folder) {
     std::ifstream stream(folder / file.name, std::ios::binary);
-    if (!stream)
+    if (!stream || !std::filesystem::is_regular_file(folder / file.name))
         refuse("it is missing or may not be read");
     const Bytes bytes((std::istreambuf_iterator<char>(stream)), std::istreambuf_iterator<char>());
     std::size_t bytesPerSample = 0;
