@@ -9,6 +9,7 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <fstream>
 #include <random>
 #include <string>
 #include <vector>
@@ -85,13 +86,13 @@ TEST(PresetFile, UnknownChunksAndAnyOrderAreAccepted) {
 }
 
 TEST(PresetFile, AnotherKindOfFileIsRefused) {
-    EXPECT_EQ(messageOf(""), "This is no .vstpreset file.");
-    EXPECT_EQ(messageOf("VST3"), "This is no .vstpreset file.");
-    EXPECT_EQ(messageOf("RIFF" + header(48).substr(4)), "This is no .vstpreset file.");
+    EXPECT_EQ(messageOf(""), "is no .vstpreset file");
+    EXPECT_EQ(messageOf("VST3"), "is no .vstpreset file");
+    EXPECT_EQ(messageOf("RIFF" + header(48).substr(4)), "is no .vstpreset file");
 }
 
 TEST(PresetFile, AListOrChunkOutsideTheFileIsRefused) {
-    const std::string outside = "The preset is damaged: it points outside itself.";
+    const std::string outside = "is a damaged preset (it points outside itself)";
     EXPECT_EQ(messageOf(header(48)), outside);
     EXPECT_EQ(messageOf(header(~std::uint64_t{0})), outside);
     EXPECT_EQ(messageOf(header(48) + "List" + littleEndian(1, 4) + entry("Comp", 48, 1000)), outside);
@@ -104,9 +105,9 @@ TEST(PresetFile, AListOrChunkOutsideTheFileIsRefused) {
 
 TEST(PresetFile, AFileWithoutTheListsMarkOrWithoutAStateIsRefused) {
     EXPECT_EQ(messageOf(header(48) + "Lost" + littleEndian(0, 4)),
-              "The preset is damaged: its list of chunks is missing.");
+              "is a damaged preset (its list of chunks is missing)");
     EXPECT_EQ(messageOf(header(48) + "List" + littleEndian(0, 4)),
-              "The preset is damaged: it holds no state of the plug-in.");
+              "is a damaged preset (it holds no state of the plug-in)");
 }
 
 /// Property: whatever a single changed or missing byte does, the reader answers with a preset or with
@@ -137,9 +138,24 @@ TEST(PresetFile, AFileOnDiskComesBackAndAMissingOneIsNamed) {
         readPreset(path);
         FAIL() << "expected an exception";
     } catch (const HostError& error) {
-        EXPECT_THAT(error.what(), HasSubstr("kestrum_preset_file_test.vstpreset\" cannot be opened."));
+        EXPECT_THAT(error.what(), HasSubstr("kestrum_preset_file_test.vstpreset\" cannot be opened: name a "
+                                            ".vstpreset file that you may read."));
     }
+    EXPECT_THROW(readPreset(std::filesystem::temp_directory_path()), HostError); // a folder opens, too
     EXPECT_THROW(writePreset("/nonexistent/folder/x.vstpreset", {classId, {}}), HostError);
+}
+
+TEST(PresetFile, ADamagedFileOnDiskIsNamedWithTheRemedy) {
+    const auto path = std::filesystem::temp_directory_path() / "kestrum_damaged_preset_test.vstpreset";
+    std::ofstream(path) << "hello";
+    try {
+        readPreset(path);
+        ADD_FAILURE() << "expected an exception";
+    } catch (const HostError& error) {
+        EXPECT_EQ(error.what(), "\"" + path.string() +
+                                    "\" is no .vstpreset file: name one that a host or kestrum has saved.");
+    }
+    std::filesystem::remove(path);
 }
 
 } // namespace

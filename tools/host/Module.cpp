@@ -34,7 +34,7 @@ Module::Loaded::Loaded(const std::filesystem::path& bundle) : binary(binaryOf(bu
         throw HostError("There is no VST3 bundle at \"" + bundle.string() + "\".");
     if (!std::filesystem::exists(binary))
         throw HostError("The bundle \"" + bundle.string() + "\" holds no module for this machine (" +
-                        machine + ").");
+                        machine + "): name one that was built for it.");
 }
 
 Module::Loaded::~Loaded() {

@@ -26,7 +26,7 @@ public:
 
     std::span<const std::byte> bytes(std::uint64_t offset, std::uint64_t length) const {
         if (offset > file.size() || length > file.size() - offset)
-            throw HostError("The preset is damaged: it points outside itself.");
+            throw HostError("is a damaged preset (it points outside itself)");
         return file.subspan(static_cast<std::size_t>(offset), static_cast<std::size_t>(length));
     }
     std::string text(std::uint64_t offset, std::uint64_t length) const {
@@ -65,12 +65,12 @@ public:
 Preset parsePreset(std::span<const std::byte> file) {
     const Reader reader(file);
     if (file.size() < headerLength || reader.text(0, markLength) != "VST3")
-        throw HostError("This is no .vstpreset file.");
+        throw HostError("is no .vstpreset file");
     Preset preset;
     preset.classId = reader.text(8, classIdLength);
     const std::uint64_t list = reader.number(8 + classIdLength, 8);
     if (reader.text(list, markLength) != "List")
-        throw HostError("The preset is damaged: its list of chunks is missing.");
+        throw HostError("is a damaged preset (its list of chunks is missing)");
     const std::uint64_t count = reader.number(list + markLength, 4);
     bool complete = false;
     for (std::uint64_t index = 0; index < count; ++index) {
@@ -85,7 +85,7 @@ Preset parsePreset(std::span<const std::byte> file) {
         }
     }
     if (!complete)
-        throw HostError("The preset is damaged: it holds no state of the plug-in.");
+        throw HostError("is a damaged preset (it holds no state of the plug-in)");
     return preset;
 }
 
@@ -117,13 +117,15 @@ std::vector<std::byte> formatPreset(const Preset& preset) {
 
 Preset readPreset(const std::filesystem::path& path) {
     std::ifstream stream(path, std::ios::binary);
-    if (!stream)
-        throw HostError("The preset \"" + path.string() + "\" cannot be opened.");
+    if (!stream || std::filesystem::is_directory(path))
+        throw HostError("The preset \"" + path.string() +
+                        "\" cannot be opened: name a .vstpreset file that you may read.");
     const std::string content{std::istreambuf_iterator<char>(stream), {}};
     try {
         return parsePreset(std::as_bytes(std::span(content)));
     } catch (const HostError& error) {
-        throw HostError("\"" + path.string() + "\": " + error.what());
+        throw HostError("\"" + path.string() + "\" " + error.what() +
+                        ": name one that a host or kestrum has saved.");
     }
 }
 
@@ -133,7 +135,8 @@ void writePreset(const std::filesystem::path& path, const Preset& preset) {
     stream.write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
     stream.flush();
     if (!stream)
-        throw HostError("The preset \"" + path.string() + "\" cannot be written.");
+        throw HostError("The preset \"" + path.string() +
+                        "\" cannot be written: name a file in a folder of yours.");
 }
 
 } // namespace orvane::kestrum::host

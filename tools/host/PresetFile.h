@@ -22,7 +22,7 @@ struct Preset {
 };
 
 /// @throws HostError when the bytes are no preset: too short, a wrong mark, a chunk outside the file, no
-/// 'Comp'.
+/// 'Comp'. Its message reads on from the file's name: "is no .vstpreset file".
 Preset parsePreset(std::span<const std::byte> file);
 std::vector<std::byte> formatPreset(const Preset& preset);
 
