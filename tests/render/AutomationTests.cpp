@@ -50,12 +50,32 @@ TEST(Automation, HeadingsRemarksBlankLinesAndWindowsLineEndsAreSkipped) {
 TEST(Automation, AMalformedLineIsNamedByItsNumber) {
     EXPECT_EQ(refusal("1,gain,0\n2,gain"),
               "Line 2 of the automation is not of the form seconds,parameter,value.");
-    EXPECT_EQ(refusal("\nsoon,gain,0"), "\"soon\" is no number for Line 2 of the automation.");
+    EXPECT_EQ(refusal("\nsoon,gain,0"),
+              "\"soon\" is no number for the time in line 2 of the automation: write one such as 2.5.");
     EXPECT_EQ(refusal("-1,gain,0"),
               "Line 1 of the automation has a negative time: count seconds from the input's start.");
 }
 
-TEST(Automation, AMissingFileIsNamed) { EXPECT_THROW(readAutomation("/nowhere/moves.csv"), RenderError); }
+TEST(Automation, QuotationMarksAndAByteOrderMarkOfASpreadsheetDoNotCount) {
+    const auto lines =
+        parse("\xef\xbb\xbf\"seconds\",\"parameter\",\"value\"\r\n\"0.5\",\"scene\",\"Living Room\"\r\n");
+    ASSERT_THAT(lines, SizeIs(1));
+    EXPECT_EQ(lines[0].seconds, 0.5);
+    EXPECT_EQ(lines[0].parameter, "scene");
+    EXPECT_EQ(lines[0].value, "Living Room");
+}
+
+TEST(Automation, AMissingFileOrAFolderIsNamedWithTheRemedy) {
+    for (const std::string& path : {std::string("/nowhere/moves.csv"), ::testing::TempDir()}) {
+        try {
+            readAutomation(path);
+            ADD_FAILURE() << path << " was accepted";
+        } catch (const RenderError& error) {
+            EXPECT_EQ(error.what(), "The automation file \"" + path +
+                                        "\" cannot be read: name a file with lines seconds,parameter,value.");
+        }
+    }
+}
 
 TEST(Automation, EventsComeInTimeOrderAndThoseOfOneMomentInTheFilesOrder) {
     const test::StandInPlugin plugin;

@@ -234,10 +234,15 @@ TEST_F(WholeRuns, APresetOfAnotherPlugInIsRefused) {
 
 TEST_F(WholeRuns, TooFewChannelsForTheLayoutAreRefusedWithTheRemedy) {
     options.layout = "7.1.4";
-    EXPECT_EQ(
-        refusal(),
-        "The layout \"7.1.4\" needs 12 channels and the input has 6: name a smaller one with --layout, or "
-        "give an input with a channel for each loudspeaker.");
+    EXPECT_EQ(refusal(), "The layout \"7.1.4\" needs 12 channels and the input has 6: name a smaller one, or "
+                         "give an input with a channel for each loudspeaker.");
+}
+
+/// The plug-in itself would fall silent there, and the listener would not know why.
+TEST_F(WholeRuns, AnAutomatedLayoutWithTooFewChannelsIsRefusedBeforeAnythingIsFed) {
+    automate("0.1,layout,Quad\n0.2,layout,7.1\n");
+    EXPECT_THAT(refusal(), HasSubstr("The layout \"7.1\" needs 8 channels and the input has 6"));
+    EXPECT_FALSE(std::filesystem::exists(options.output));
 }
 
 TEST_F(WholeRuns, ACountWithoutUsualLayoutAsksForOneAndTakesIt) {

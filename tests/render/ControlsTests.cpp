@@ -54,6 +54,13 @@ TEST_F(ControlsOfTheStandIn, OnlyLayoutsAndScenesMakeThePlugInRebuild) {
     EXPECT_FALSE(controls.resolve("gain", "1").rebuilds);
 }
 
+TEST_F(ControlsOfTheStandIn, ALayoutCarriesItsEntryOfTheTable) {
+    ASSERT_NE(controls.resolve("layout", "Six").layout, nullptr);
+    EXPECT_EQ(controls.resolve("layout", "Six").layout->name, "Six");
+    EXPECT_EQ(controls.resolve("scene", "Wet").layout, nullptr);
+    EXPECT_EQ(controls.resolve("gain", "1").layout, nullptr);
+}
+
 TEST_F(ControlsOfTheStandIn, ANumberBecomesItsShareOfTheRange) {
     EXPECT_EQ(controls.resolve("gain", "0").normalized, 0.0);
     EXPECT_EQ(controls.resolve("gain", "+0.5").normalized, 0.25);
@@ -67,7 +74,8 @@ TEST_F(ControlsOfTheStandIn, ANumberOutsideTheRangeIsRefusedWithTheRange) {
 
 TEST_F(ControlsOfTheStandIn, NumbersThatAreNoneAreRefused) {
     for (const char* const text : {"", "loud", "1 dB", "nan", "inf", "1,5", "0x1"})
-        EXPECT_THAT(refusal("gain", text), HasSubstr("is no number for Master Gain.")) << text;
+        EXPECT_THAT(refusal("gain", text), HasSubstr("is no number for Master Gain: write one such as 2.5."))
+            << text;
 }
 
 TEST_F(ControlsOfTheStandIn, UnknownNamesListTheChoices) {

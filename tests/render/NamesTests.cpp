@@ -2,15 +2,25 @@
 // Expected names are copied by hand from the plug-in's lists.
 #include "render/Names.h"
 
+#include "parameters/core/LayoutTable.h"
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+
+#include <cmath>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <string>
 
 namespace {
 
 using orvane::kestrum::render::layoutChoices;
 using orvane::kestrum::render::sceneChoices;
 using orvane::kestrum::render::usualLayout;
+using ::testing::HasSubstr;
 using ::testing::SizeIs;
+namespace core = orvane::kestrum::core;
 
 TEST(Names, CoverAllLayoutsAndScenesInTheParametersOrder) {
     EXPECT_THAT(layoutChoices().all(), SizeIs(32));
@@ -48,6 +58,32 @@ TEST(UsualLayouts, HaveAsManyChannelsAsTheFile) {
 TEST(UsualLayouts, CountsWithoutACustomHaveNone) {
     for (const std::uint64_t count : {0u, 3u, 13u, 15u, 17u})
         EXPECT_FALSE(usualLayout(count)) << count;
+}
+
+/// Whole degrees as the README prints them, with a typographic minus.
+std::string degrees(float value) {
+    const std::string digits = std::to_string(std::lround(std::abs(value)));
+    return value < 0 ? "\u2212" + digits : digits;
+}
+
+std::string placeOf(const core::SpeakerRow& speaker) {
+    if (speaker.lowFrequency)
+        return "LFE";
+    return degrees(speaker.azimuth) + (speaker.elevation != 0 ? "/" + degrees(speaker.elevation) : "");
+}
+
+/// Expected rows come from the plug-in's own table, so a mixer who wires a bus by the README wires it right.
+TEST(Readme, ListsEveryLayoutAsThePlugInHasIt) {
+    std::ifstream file(std::filesystem::path(KESTRUM_DOCS).parent_path() / "README.md");
+    const std::string readme{std::istreambuf_iterator<char>(file), {}};
+    for (const core::LayoutRow& layout : core::layoutTable()) {
+        const auto& choice = layoutChoices().find(layout.name);
+        std::string order;
+        for (const core::SpeakerRow& speaker : layout.speakers)
+            order += (order.empty() ? "" : ", ") + placeOf(speaker);
+        EXPECT_THAT(readme, HasSubstr("| " + choice.name + " | " + choice.shownAs + " | " +
+                                      std::to_string(layout.speakers.size()) + " | " + order + " |\n"));
+    }
 }
 
 } // namespace

@@ -20,13 +20,24 @@ std::string_view trimmed(std::string_view text) {
     return text.substr(first, text.find_last_not_of(blanks) - first + 1);
 }
 
+/// A field without blanks and without the quotation marks that spreadsheets put round texts.
+std::string_view field(std::string_view text) {
+    std::string_view bare = trimmed(text);
+    if (bare.size() >= 2 && bare.starts_with('"') && bare.ends_with('"'))
+        bare = trimmed(bare.substr(1, bare.size() - 2));
+    return bare;
+}
+
+constexpr std::string_view byteOrderMark = "\xef\xbb\xbf"; // some editors begin a file with it
+
 } // namespace
 
 std::vector<AutomationLine> parseAutomation(std::istream& text) {
     std::vector<AutomationLine> lines;
     std::string raw;
     for (std::size_t number = 1; std::getline(text, raw); ++number) {
-        const std::string_view line = trimmed(raw);
+        const std::string_view line =
+            trimmed(std::string_view(raw).substr(number == 1 && raw.starts_with(byteOrderMark) ? 3 : 0));
         if (line.empty() || line.starts_with('#'))
             continue;
         const auto first = line.find(',');
@@ -34,12 +45,13 @@ std::vector<AutomationLine> parseAutomation(std::istream& text) {
         const std::string place = "Line " + std::to_string(number) + " of the automation";
         if (second == std::string_view::npos)
             throw RenderError(place + " is not of the form seconds,parameter,value.");
-        const std::string_view time = trimmed(line.substr(0, first));
+        const std::string_view time = field(line.substr(0, first));
         if (lines.empty() && equalIgnoringCase(time, "seconds"))
             continue;
-        AutomationLine entry{parseNumber(time, place),
-                             std::string(trimmed(line.substr(first + 1, second - first - 1))),
-                             std::string(trimmed(line.substr(second + 1)))};
+        AutomationLine entry{
+            parseNumber(time, "the time in line " + std::to_string(number) + " of the automation"),
+            std::string(field(line.substr(first + 1, second - first - 1))),
+            std::string(field(line.substr(second + 1)))};
         if (entry.seconds < 0)
             throw RenderError(place + " has a negative time: count seconds from the input's start.");
         lines.push_back(std::move(entry));
@@ -49,9 +61,13 @@ std::vector<AutomationLine> parseAutomation(std::istream& text) {
 
 std::vector<AutomationLine> readAutomation(const std::filesystem::path& path) {
     std::ifstream file(path);
-    if (!file)
-        throw RenderError("The automation file \"" + path.string() + "\" cannot be opened.");
-    return parseAutomation(file);
+    std::vector<AutomationLine> lines;
+    if (file)
+        lines = parseAutomation(file);
+    if (!file.eof()) // also a folder, which opens and then cannot be read
+        throw RenderError("The automation file \"" + path.string() +
+                          "\" cannot be read: name a file with lines seconds,parameter,value.");
+    return lines;
 }
 
 std::vector<AutomationEvent> resolveAutomation(const std::vector<AutomationLine>& lines,

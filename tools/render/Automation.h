@@ -25,7 +25,8 @@ struct AutomationEvent {
 };
 
 /// Reads "seconds,parameter,value" lines. Blank lines, lines that begin with '#' and a heading line are
-/// skipped; blanks around the fields do not count. The value is all that follows the second comma.
+/// skipped; blanks and quotation marks around the fields do not count, nor does a byte order mark. The value
+/// is all that follows the second comma.
 /// @throws RenderError with the line's number when a line lacks a field or its time is no number from 0 up.
 std::vector<AutomationLine> parseAutomation(std::istream& text);
 

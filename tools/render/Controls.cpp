@@ -46,7 +46,8 @@ double parseNumber(std::string_view text, std::string_view what) {
     const char* const begin = text.starts_with('+') ? text.data() + 1 : text.data();
     const auto [stop, error] = std::from_chars(begin, end, number);
     if (error != std::errc{} || stop != end || !std::isfinite(number))
-        throw RenderError("\"" + std::string(text) + "\" is no number for " + std::string(what) + ".");
+        throw RenderError("\"" + std::string(text) + "\" is no number for " + std::string(what) +
+                          ": write one such as 2.5.");
     return number;
 }
 
@@ -66,13 +67,12 @@ ControlValue Controls::resolve(std::string_view parameter, std::string_view valu
     const bool layout = info.name == layoutParameter;
     const bool scene = info.name == sceneParameter;
     if (info.stepCount > 0) {
-        std::string entry(value);
-        if (layout || scene)
-            entry = (layout ? layouts : scenes).find(value).name;
+        const Choice* const choice = layout || scene ? &(layout ? layouts : scenes).find(value) : nullptr;
+        const std::string entry = choice != nullptr ? choice->name : std::string(value);
         for (std::int32_t step = 0; step <= info.stepCount; ++step) {
             const double normalized = static_cast<double>(step) / info.stepCount;
             if (equalIgnoringCase(plugin.textOf(info.id, normalized), entry))
-                return {info.id, normalized, layout || scene};
+                return {info.id, normalized, layout || scene, layout ? choice : nullptr};
         }
         throw RenderError("The plug-in's parameter \"" + info.name + "\" has no entry \"" + entry +
                           "\": the bundle is of another version than this program, so build both anew.");
@@ -83,7 +83,7 @@ ControlValue Controls::resolve(std::string_view parameter, std::string_view valu
     if (number < low || number > high)
         throw RenderError(info.name + " " + std::string(value) + " lies outside its range: choose " +
                           shortest(low) + " to " + shortest(high) + ".");
-    return {info.id, (number - low) / (high - low), false};
+    return {info.id, (number - low) / (high - low), false, nullptr};
 }
 
 std::string Controls::currentText(std::string_view parameter) const {

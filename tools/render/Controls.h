@@ -14,7 +14,8 @@ namespace orvane::kestrum::render {
 struct ControlValue {
     std::uint32_t id = 0;
     double normalized = 0;
-    bool rebuilds = false; ///< The plug-in builds a new engine for it, on the clock.
+    bool rebuilds = false;          ///< The plug-in builds a new engine for it, on the clock.
+    const Choice* layout = nullptr; ///< The layout's entry in its table; null for any other value.
 };
 
 /// Turns names and values as people write them into parameter values of the plug-in. Ranges and entries are

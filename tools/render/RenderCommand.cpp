@@ -65,6 +65,15 @@ void loadState(host::PluginInstance& plugin, const std::filesystem::path& path) 
     plugin.setState(preset.state);
 }
 
+/// A layout that asks for more channels than the bus has makes the plug-in fall silent.
+void requireEnoughChannels(const Choice& layout, std::uint64_t channelCount) {
+    if (layout.channelCount > channelCount)
+        throw RenderError("The layout " + inQuotes(layout.name) + " needs " +
+                          std::to_string(layout.channelCount) + " channels and the input has " +
+                          std::to_string(channelCount) +
+                          ": name a smaller one, or give an input with a channel for each loudspeaker.");
+}
+
 /// Settles which layout is rendered, and sets it. @return its table entry.
 const Choice& chooseLayout(host::IPlugin& plugin, const Controls& controls, const RenderOptions& options,
                            std::uint64_t channelCount, std::ostream& out) {
@@ -83,11 +92,7 @@ const Choice& chooseLayout(host::IPlugin& plugin, const Controls& controls, cons
                           " channels: name one of at most as many with --layout.");
     }
     const Choice& layout = layoutChoices().find(name);
-    if (layout.channelCount > channelCount)
-        throw RenderError(
-            "The layout " + inQuotes(layout.name) + " needs " + std::to_string(layout.channelCount) +
-            " channels and the input has " + std::to_string(channelCount) +
-            ": name a smaller one with --layout, or give an input with a channel for each loudspeaker.");
+    requireEnoughChannels(layout, channelCount);
     const ControlValue value = controls.resolve("layout", layout.name);
     plugin.setParameter(value.id, value.normalized);
     return layout;
@@ -178,6 +183,9 @@ void runRender(const RenderOptions& options, std::ostream& out) {
     plan.settleMilliseconds = options.settleMilliseconds;
     if (options.automation)
         plan.automation = resolveAutomation(readAutomation(*options.automation), controls, plan.sampleRate);
+    for (const AutomationEvent& event : plan.automation)
+        if (event.value.layout != nullptr)
+            requireEnoughChannels(*event.value.layout, channelCount);
 
     plugin.prepare(plan.sampleRate, plan.block,
                    options.realtime ? host::ProcessMode::realtime : host::ProcessMode::offline);
@@ -307,6 +315,8 @@ void addRenderCommands(CLI::App& program) {
     CLI::App* const demoCommand =
         program.add_subcommand("demo", "Writes a 5.1 ITU file that speaks the name of each channel in turn.");
     demoCommand->add_option("OUT", *demo, "WAV file to write, six channels")->type_name("FILE")->required();
+    demoCommand->footer("Example:\n"
+                        "  kestrum demo demo_5.1.wav && kestrum render demo_5.1.wav headphones.wav");
     demoCommand->callback([demo] {
         writeDemoInput(*demo);
         std::cout << demo->string()
