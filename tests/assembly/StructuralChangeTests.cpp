@@ -43,10 +43,8 @@ double largestStep(const std::vector<float>& samples) {
 /// A slow sine on all sixteen channels, one block after the other.
 class Playback {
 public:
-    explicit Playback(Product& played) : product(played), bus(16, std::vector<float>(blockSize)) {
-        for (std::vector<float>& channel : bus)
-            pointers.push_back(channel.data());
-    }
+    explicit Playback(Product& played)
+        : product(played), bus(16, std::vector<float>(blockSize)), pointers(test::channelPointers(bus)) {}
 
     void block() {
         for (std::size_t frame = 0; frame < blockSize; ++frame) {
