@@ -27,9 +27,7 @@ void wholeEngine(benchmark::State& state, const char* layout) {
     product.chooseLayout(layout);
     product.prepare(blockSize, sampleRate);
     std::vector<std::vector<float>> bus(16, std::vector<float>(blockSize, 0.1f));
-    std::vector<float*> pointers;
-    for (std::vector<float>& channel : bus)
-        pointers.push_back(channel.data());
+    const std::vector<float*> pointers = test::channelPointers(bus);
     const orvane::SampleBuffer input(pointers.data(), 16, blockSize);
     orvane::SampleBuffer output(2, blockSize);
     const bench::ShareOfRealTime share(state, state.range(0), sampleRate);

@@ -24,8 +24,6 @@
 namespace {
 
 using namespace orvane;
-using ::testing::Each;
-
 struct ResponseLengthCase {
     std::uint32_t roomId;
     bool dynamic;

@@ -185,9 +185,7 @@ TEST(BlockPath, ChannelsBeyondStereoAreSilencedInTheOutput) {
     product.chooseLayout("Quad");
     product.prepare(32, sampleRate);
     Channels bus = noise(4, 32, 5);
-    std::vector<float*> pointers;
-    for (std::vector<float>& channel : bus)
-        pointers.push_back(channel.data());
+    std::vector<float*> pointers = test::channelPointers(bus);
     orvane::SampleBuffer view(pointers.data(), 4, 32);
     product.manager->process(view, view);
     EXPECT_THAT(bus[2], Each(0.0f));
@@ -265,9 +263,7 @@ TEST(BlockPath, NeitherAllocatesNorLocksInAnyLayoutOrScene) {
         product.chooseLayout(name);
         product.prepare(128, sampleRate);
         std::vector<std::vector<float>> bus(16, std::vector<float>(128, 0.25f));
-        std::vector<float*> pointers;
-        for (std::vector<float>& channel : bus)
-            pointers.push_back(channel.data());
+        std::vector<float*> pointers = test::channelPointers(bus);
         orvane::SampleBuffer view(pointers.data(), 16, 128);
         product.headRotation->setValue(33.0f);
         const test::RealtimeScope scope;
@@ -281,9 +277,7 @@ TEST(BlockPath, NeitherAllocatesNorLocksThroughAWholeCrossfade) {
     Product product;
     product.prepare(64, sampleRate);
     std::vector<std::vector<float>> bus(16, std::vector<float>(64, 0.25f));
-    std::vector<float*> pointers;
-    for (std::vector<float>& channel : bus)
-        pointers.push_back(channel.data());
+    std::vector<float*> pointers = test::channelPointers(bus);
     orvane::SampleBuffer view(pointers.data(), 16, 64);
     product.chooseScene("Kitchen");
     while (product.fadesStarted == 0) {

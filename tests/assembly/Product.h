@@ -25,6 +25,14 @@ namespace test {
 
 using Channels = std::vector<std::vector<float>>; ///< [channel][frame]
 
+/// First samples of all channels, as a buffer that wraps them wants them.
+inline std::vector<float*> channelPointers(Channels& channels) {
+    std::vector<float*> pointers(channels.size());
+    std::transform(channels.begin(), channels.end(), pointers.begin(),
+                   [](auto& channel) { return channel.data(); });
+    return pointers;
+}
+
 /// Everything of the product but its framework side, wired as the plug-in wires it.
 class Product {
 public:
@@ -73,14 +81,11 @@ public:
         const std::uint64_t frames = input.front().size();
         Channels output(2, std::vector<float>(frames));
         Channels bus(std::max<std::size_t>(2, input.size()), std::vector<float>(hostBlock));
+        const std::vector<float*> pointers = channelPointers(bus);
         for (std::uint64_t start = 0; start < frames; start += hostBlock) {
             const std::uint64_t count = std::min(hostBlock, frames - start);
-            std::vector<float*> pointers;
-            for (std::size_t channel = 0; channel < bus.size(); ++channel) {
-                if (channel < input.size())
-                    std::copy_n(input[channel].data() + start, count, bus[channel].data());
-                pointers.push_back(bus[channel].data());
-            }
+            for (std::size_t channel = 0; channel < input.size(); ++channel)
+                std::copy_n(input[channel].data() + start, count, bus[channel].data());
             const orvane::SampleBuffer in(pointers.data(), input.size(), count);
             orvane::SampleBuffer out(pointers.data(), pointers.size(), count);
             manager->process(in, out);

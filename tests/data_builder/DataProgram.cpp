@@ -4,20 +4,30 @@
 
 #include <CLI/CLI.hpp>
 
+#include <cstdio>
 #include <exception>
-#include <iostream>
 
-int main(int argumentCount, char** arguments) {
+namespace {
+
+int run(int argumentCount, char** arguments) {
     CLI::App program("The data commands alone.", "kestrum");
     program.require_subcommand(1);
+    orvane::kestrum::tools::addDataCommands(program);
     try {
-        orvane::kestrum::tools::addDataCommands(program);
         program.parse(argumentCount, arguments);
         return 0;
     } catch (const CLI::ParseError& error) {
         return program.exit(error);
+    }
+}
+
+} // namespace
+
+int main(int argumentCount, char** arguments) {
+    try {
+        return run(argumentCount, arguments);
     } catch (const std::exception& error) {
-        std::cerr << "kestrum: " << error.what() << "\n";
+        std::fprintf(stderr, "kestrum: %s\n", error.what());
         return 1;
     }
 }

@@ -79,6 +79,7 @@ inline std::vector<Direction> rings(int step, int lowest) {
 inline std::vector<Direction> spiral(int count) {
     const double turn = 180.0 * (3 - std::sqrt(5.0));
     std::vector<Direction> directions;
+    directions.reserve(static_cast<std::size_t>(count));
     for (int index = 0; index < count; ++index) {
         const double height = 1 - (2.0 * index + 1) / count;
         directions.push_back(directionFrom(turn * index, std::asin(height) * 180 / std::numbers::pi));
@@ -91,6 +92,7 @@ inline std::vector<Direction> scattered(int count, unsigned seed) {
     std::mt19937 random(seed);
     std::uniform_real_distribution<double> unit(-1, 1);
     std::vector<Direction> directions;
+    directions.reserve(static_cast<std::size_t>(count));
     for (int index = 0; index < count; ++index)
         directions.push_back(
             directionFrom(180 * unit(random), std::asin(unit(random)) * 180 / std::numbers::pi));

@@ -87,6 +87,7 @@ FileVerdict checkResponseFile(const ResponseFile& file, const std::filesystem::p
 
 std::vector<FileRule> dataFolderRules() {
     std::vector<FileRule> rules;
+    rules.reserve(responseFiles.size());
     for (const ResponseFile& file : responseFiles)
         rules.push_back({std::string(file.name), [&file](const std::filesystem::path& folder) {
                              return checkResponseFile(file, folder);
@@ -95,8 +96,10 @@ std::vector<FileRule> dataFolderRules() {
 }
 
 std::vector<FileVerdict> checkDataFolder(const std::filesystem::path& folder) {
+    const std::vector<FileRule> rules = dataFolderRules();
     std::vector<FileVerdict> verdicts;
-    for (const FileRule& rule : dataFolderRules())
+    verdicts.reserve(rules.size());
+    for (const FileRule& rule : rules)
         verdicts.push_back(rule.check(folder));
     return verdicts;
 }

@@ -55,7 +55,8 @@ double commonOrigin(const AlignedSet& set, const std::vector<AlignedResponse>& g
     double ahead = std::numeric_limits<double>::infinity();
     for (const AlignedResponse& response : grid)
         ahead = std::min({ahead, response.arrivalSeconds[leftEar], response.arrivalSeconds[rightEar]});
-    ahead -= static_cast<double>(set.transformSize / 8) / set.sampleRate;
+    const std::size_t room = set.transformSize / 8;
+    ahead -= static_cast<double>(room) / set.sampleRate;
     double earliest = std::numeric_limits<double>::infinity();
     for (const AlignedResponse& response : grid)
         for (std::size_t ear = 0; ear < 2; ++ear)
@@ -121,7 +122,7 @@ ResponseSet renderSet(const ResponseFile& file, const AlignedSet& set,
     const double ratio = rate / set.sampleRate;
     const auto leadIn = static_cast<double>(resampler.leadIn());
     const double wholeLeadIn = static_cast<double>(std::lround(leadIn * ratio)) / ratio;
-    const auto wholeLength = static_cast<std::size_t>(static_cast<double>(set.transformSize / 2) * ratio);
+    const auto wholeLength = static_cast<std::size_t>(static_cast<double>(set.transformSize) * ratio) / 2;
     ResponseSet result{file, {}};
     result.responses.resize(grid.size());
     kept.resize(grid.size());

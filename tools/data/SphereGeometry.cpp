@@ -165,7 +165,7 @@ std::vector<std::size_t> cellNeighbours(const std::vector<Direction>& sites, std
         if (corner.border != noSite)
             neighbours.push_back(corner.border);
     std::ranges::sort(neighbours);
-    neighbours.erase(std::ranges::unique(neighbours).begin(), neighbours.end());
+    neighbours.erase(std::unique(neighbours.begin(), neighbours.end()), neighbours.end());
     return neighbours;
 }
 
