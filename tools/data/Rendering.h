@@ -28,7 +28,9 @@ double commonOrigin(const AlignedSet& set, const std::vector<AlignedResponse>& g
                     const WindowShape& window);
 
 /// Resamples responses to another rate with their levels kept: the resampled response filters as the old one
-/// did. Source  libsoxr at very high quality, linear phase, pass band to 0.9 of the lower Nyquist frequency.
+/// did.
+///
+/// Source  libsoxr at very high quality, linear phase, pass band to 0.9 of the lower Nyquist frequency.
 class ResponseResampler {
 public:
     ResponseResampler(double fromRate, double toRate);

@@ -14,7 +14,8 @@ using Spectrum = std::vector<std::complex<double>>; ///< [size / 2 + 1], bins fr
 /// Real Fourier transforms of one size in double precision.
 ///
 /// Thread  one thread per object; objects are made and destroyed by one thread at a time (the planner is
-///         shared). Source  FFTW, estimated plans: the same input gives the same bits on every run.
+///         shared).
+/// Source  FFTW, estimated plans: the same input gives the same bits on every run.
 class RealTransform {
 public:
     explicit RealTransform(std::size_t size);
@@ -34,8 +35,8 @@ public:
     /// The causal minimum-phase spectrum with these magnitudes.
     ///
     /// Shape   [binCount()]; magnitudes below 1e-6 of the largest are raised to it, so that the logarithm
-    ///         stays finite. Source  folding of the real cepstrum, Oppenheim and Schafer, Discrete-Time
-    ///         Signal Processing.
+    ///         stays finite.
+    /// Source  folding of the real cepstrum, Oppenheim and Schafer, Discrete-Time Signal Processing.
     Spectrum minimumPhase(const Samples& magnitudes);
 
 private:
