@@ -70,7 +70,8 @@ TEST(SpatialPosition, ASourceBehindStaysBehindInsideTheNormalRange) {
     HeadRotationMatrix notQuiteIdentity = orvane::identityRotation;
     notQuiteIdentity[15] = 2;
     behind.rotate(notQuiteIdentity);
-    EXPECT_NEAR(std::abs(behind.azimuth), 180.0f, 1e-3f); // float pi lies just beyond pi, so the sign may turn
+    EXPECT_NEAR(std::abs(behind.azimuth), 180.0f,
+                1e-3f); // float pi lies just beyond pi, so the sign may turn
     EXPECT_GT(behind.azimuth, -180.0f);
     EXPECT_LE(behind.azimuth, 180.0f);
 }

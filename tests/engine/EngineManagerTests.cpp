@@ -81,7 +81,7 @@ struct EngineManagerTest : ::testing::Test {
         : manager(std::make_unique<EngineManager>(std::make_unique<NumberedEngines>(shared), &notifier)) {}
 
     /// One block; returns the left channel, from a buffer that was full of noise before.
-    std::vector<float> block() {
+    std::vector<float> block() const {
         SampleBuffer buffer(3, blockSize);
         for (std::uint64_t channel = 0; channel < 3; ++channel)
             std::fill_n(buffer.channelPointers[channel], blockSize, 9.0f);

@@ -40,11 +40,11 @@
 
 namespace orvane::kestrum::core {
 
-std::unique_ptr<IParameterSet>
-ComponentFactory::createParameterSet(ISliderValue* headRotationValue,
-                                     std::unique_ptr<OrvaneIPC::IOrvaneParameterClient> parameterClient) const {
-    return std::make_unique<HeadRotationSupported<ParameterSet>>(std::make_unique<orvane::ParameterSet>(),
-                                                                 headRotationValue, std::move(parameterClient));
+std::unique_ptr<IParameterSet> ComponentFactory::createParameterSet(
+    ISliderValue* headRotationValue,
+    std::unique_ptr<OrvaneIPC::IOrvaneParameterClient> parameterClient) const {
+    return std::make_unique<HeadRotationSupported<ParameterSet>>(
+        std::make_unique<orvane::ParameterSet>(), headRotationValue, std::move(parameterClient));
 }
 
 std::unique_ptr<IToggleValue> ComponentFactory::createToggleValue(bool value) const {
@@ -67,8 +67,8 @@ std::unique_ptr<ISupportedLayouts> ComponentFactory::createSupportedLayouts() co
     return std::make_unique<SupportedLayouts>(*this);
 }
 
-std::unique_ptr<IParameterMapper> ComponentFactory::createSpeakerSetupMapper(ISelectorValue* speakerSetup,
-                                                                             IParameterSet* parameterSet) const {
+std::unique_ptr<IParameterMapper>
+ComponentFactory::createSpeakerSetupMapper(ISelectorValue* speakerSetup, IParameterSet* parameterSet) const {
     return std::make_unique<SpeakerSetupMapper>(speakerSetup, parameterSet);
 }
 
@@ -77,13 +77,14 @@ std::unique_ptr<IParameterMapper> ComponentFactory::createSceneMapper(ISelectorV
     return std::make_unique<SceneMapper>(scene, parameterSet);
 }
 
-std::unique_ptr<IParameterMapper> ComponentFactory::createMasterGainMapper(ISliderValue* masterGain,
-                                                                           ISelectorValue* scene,
-                                                                           IParameterSet* parameterSet) const {
+std::unique_ptr<IParameterMapper>
+ComponentFactory::createMasterGainMapper(ISliderValue* masterGain, ISelectorValue* scene,
+                                         IParameterSet* parameterSet) const {
     return std::make_unique<MasterGainMapper>(masterGain, scene, parameterSet);
 }
 
-std::unique_ptr<IParameterMapper> ComponentFactory::createFocusMapper(ISliderValue* focus, ISelectorValue* scene,
+std::unique_ptr<IParameterMapper> ComponentFactory::createFocusMapper(ISliderValue* focus,
+                                                                      ISelectorValue* scene,
                                                                       IParameterSet* parameterSet) const {
     return std::make_unique<FocusMapper>(focus, scene, parameterSet);
 }
@@ -94,26 +95,24 @@ std::unique_ptr<IParameterMapper> ComponentFactory::createAmbienceMapper(ISlider
     return std::make_unique<AmbienceMapper>(ambience, scene, parameterSet);
 }
 
-std::unique_ptr<IEngineManager>
-ComponentFactory::createEngineManager(ISelectorValue* speakerSetup, ISupportedLayouts* supportedLayouts,
-                                      IParameterSet* parameterSet, IHrir* hrir, const std::string& dataDirectory,
-                                      std::function<void()> reloadFinished) const {
-    auto engineFactory =
-        std::make_unique<EngineFactory>(speakerSetup, supportedLayouts, this, parameterSet, hrir, dataDirectory,
-                                        std::make_unique<EngineBuilder>(), std::move(reloadFinished));
+std::unique_ptr<IEngineManager> ComponentFactory::createEngineManager(
+    ISelectorValue* speakerSetup, ISupportedLayouts* supportedLayouts, IParameterSet* parameterSet,
+    IHrir* hrir, const std::string& dataDirectory, std::function<void()> reloadFinished) const {
+    auto engineFactory = std::make_unique<EngineFactory>(
+        speakerSetup, supportedLayouts, this, parameterSet, hrir, dataDirectory,
+        std::make_unique<EngineBuilder>(), std::move(reloadFinished));
     return std::make_unique<EngineManager>(std::move(engineFactory), parameterSet);
 }
 
-std::unique_ptr<ISpatialProcessor> ComponentFactory::createSpeakerProcessor(const SpatialPosition& position,
-                                                                            IParameterSet* parameterSet,
-                                                                            double sampleRate,
-                                                                            std::uint64_t blockSize,
-                                                                            IHrir* hrir) const {
+std::unique_ptr<ISpatialProcessor>
+ComponentFactory::createSpeakerProcessor(const SpatialPosition& position, IParameterSet* parameterSet,
+                                         double sampleRate, std::uint64_t blockSize, IHrir* hrir) const {
     return std::make_unique<SpeakerProcessor>(position, parameterSet, sampleRate, blockSize, hrir, this);
 }
 
 std::unique_ptr<ISpeakerParameterSetView>
-ComponentFactory::createSpeakerParameterSetView(const SpatialPosition& position, ISpeakerParameterSetView* view) const {
+ComponentFactory::createSpeakerParameterSetView(const SpatialPosition& position,
+                                                ISpeakerParameterSetView* view) const {
     return std::make_unique<SpeakerParameterSetView>(position, view);
 }
 
@@ -122,8 +121,8 @@ ComponentFactory::createBinauralProcessor(double sampleRate, std::uint64_t block
                                           ISpeakerParameterSetView* view,
                                           std::unique_ptr<IReloadParameterSet> reloadSet) const {
     const bool hardSwitch = reloadSet->watchSource();
-    const BinauralProcessorBuilder builder(static_cast<float>(sampleRate), blockSize, view, std::move(reloadSet),
-                                           std::make_unique<BinauralComponentFactory>(),
+    const BinauralProcessorBuilder builder(static_cast<float>(sampleRate), blockSize, view,
+                                           std::move(reloadSet), std::make_unique<BinauralComponentFactory>(),
                                            std::make_unique<ConvolutionFactory>(), hrir);
     return std::make_unique<BinauralProcessor>(blockSize, hardSwitch, view, builder);
 }
