@@ -14,12 +14,11 @@ constexpr float tailRampFactor = 4.0f;
 
 } // namespace
 
-BinauralProcessor::BinauralProcessor(std::uint64_t extraLength, bool switchHard,
-                                     ISpatialParameterSetView* parameters,
-                                     const IBinauralProcessorBuilder& builder)
-    : hardSwitch(switchHard),
+BinauralProcessor::BinauralProcessor(std::uint64_t extraLength, bool hardSwitch,
+                                     ISpatialParameterSetView* view, const IBinauralProcessorBuilder& builder)
+    : hardSwitch(hardSwitch),
       responseLength(builder.responseLength()),
-      view(parameters),
+      view(view),
       updateChecker(builder.createUpdateChecker()),
       crossFader(builder.createCrossFader()),
       convolution(builder.createConvolution()),

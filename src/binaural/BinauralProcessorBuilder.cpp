@@ -60,20 +60,20 @@ std::uint64_t binauralResponseLength(std::uint32_t roomId, bool roomIsDynamic, f
     return std::max(blockSize, static_cast<std::uint64_t>(scaled));
 }
 
-BinauralProcessorBuilder::BinauralProcessorBuilder(float rate, std::uint64_t frames,
-                                                   ISpatialParameterSetView* parameterView,
-                                                   std::unique_ptr<IReloadParameterSet> snapshot,
-                                                   std::unique_ptr<IBinauralComponentFactory> components,
-                                                   std::unique_ptr<IConvolutionFactory> convolutions,
-                                                   IHrir* store)
-    : sampleRate(rate),
-      blockSize(frames),
-      view(parameterView),
-      reloadSet(std::move(snapshot)),
-      componentFactory(std::move(components)),
-      convolutionFactory(std::move(convolutions)),
-      length(binauralResponseLength(reloadSet->roomId(), reloadSet->roomIsDynamic(), sampleRate, blockSize)),
-      hrir(store) {}
+BinauralProcessorBuilder::BinauralProcessorBuilder(
+    float sampleRate, std::uint64_t blockSize, ISpatialParameterSetView* view,
+    std::unique_ptr<IReloadParameterSet> reloadSet,
+    std::unique_ptr<IBinauralComponentFactory> componentFactory,
+    std::unique_ptr<IConvolutionFactory> convolutionFactory, IHrir* hrir)
+    : sampleRate(sampleRate),
+      blockSize(blockSize),
+      view(view),
+      reloadSet(std::move(reloadSet)),
+      componentFactory(std::move(componentFactory)),
+      convolutionFactory(std::move(convolutionFactory)),
+      length(binauralResponseLength(this->reloadSet->roomId(), this->reloadSet->roomIsDynamic(), sampleRate,
+                                    blockSize)),
+      hrir(hrir) {}
 
 std::uint64_t BinauralProcessorBuilder::responseLength() const noexcept { return length; }
 

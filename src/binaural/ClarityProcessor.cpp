@@ -12,17 +12,18 @@ constexpr float outputLevel = 0.875f;
 
 } // namespace
 
-ClarityProcessor::ClarityProcessor(std::uint64_t samples, const float* exponent, IRmsSpectrumFactory* factory)
-    : amount(exponent),
-      length(samples),
+ClarityProcessor::ClarityProcessor(std::uint64_t length, const float* amount,
+                                   IRmsSpectrumFactory* rmsSpectrumFactory)
+    : amount(amount),
+      length(length),
       weightLimit(std::pow(10.0f, 1.25f)),
-      magnitudes(samples),
-      rmsSpectrum(factory->create(samples)),
-      timeInput(2, 2 * samples),
-      timeOutput(2, 2 * samples),
-      spectra(2, samples),
-      weights(samples + 1),
-      transform(2 * samples) {}
+      magnitudes(length),
+      rmsSpectrum(rmsSpectrumFactory->create(length)),
+      timeInput(2, 2 * length),
+      timeOutput(2, 2 * length),
+      spectra(2, length),
+      weights(length + 1),
+      transform(2 * length) {}
 
 void ClarityProcessor::process(SampleBuffer& buffer) {
     for (std::uint64_t channel = 0; channel < buffer.numChannels; ++channel) {

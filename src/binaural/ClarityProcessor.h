@@ -17,8 +17,7 @@ namespace orvane {
 /// weighting, so their differences and the phases stay.
 ///
 /// Shape   buffer [2][any]; its first `length` samples are analysed, the result spreads over 2 * `length`;
-/// what a longer
-///         buffer holds behind that is zeroed.
+///         what a longer buffer holds behind that is zeroed.
 /// Thread  constructed on a building thread, process() on the audio thread.
 class ClarityProcessor final : public IInPlaceProcessor {
 public:

@@ -16,25 +16,25 @@ float gainForRate(double sampleRate) noexcept {
 
 } // namespace
 
-Convolution::Convolution(double sampleRate, std::uint64_t block, std::uint64_t partitions,
+Convolution::Convolution(double sampleRate, std::uint64_t blockSize, std::uint64_t partitionCount,
                          std::int32_t bandLimitFactor)
-    : blockSize(block),
-      partitionCount(partitions),
-      keptBins(block / static_cast<std::uint64_t>(bandLimitFactor)),
-      inverseScale(1.0f / static_cast<float>(2 * block)),
+    : blockSize(blockSize),
+      partitionCount(partitionCount),
+      keptBins(blockSize / static_cast<std::uint64_t>(bandLimitFactor)),
+      inverseScale(1.0f / static_cast<float>(2 * blockSize)),
       gain(gainForRate(sampleRate)),
-      inputSpectra(partitions, block),
-      leftSpectra(partitions, block),
-      rightSpectra(partitions, block),
-      partitionScratch(1, 2 * block),
-      inputWindow(1, 2 * block),
-      timeResult(1, 2 * block),
+      inputSpectra(partitionCount, blockSize),
+      leftSpectra(partitionCount, blockSize),
+      rightSpectra(partitionCount, blockSize),
+      partitionScratch(1, 2 * blockSize),
+      inputWindow(1, 2 * blockSize),
+      timeResult(1, 2 * blockSize),
       partition(partitionScratch.channel(0)),
       window(inputWindow.channel(0)),
       result(timeResult.channel(0)),
-      validResult{result.data + block, block},
-      accumulator(block + 1),
-      transform(2 * block) {}
+      validResult{result.data + blockSize, blockSize},
+      accumulator(blockSize + 1),
+      transform(2 * blockSize) {}
 
 void Convolution::process(SampleSpan input, SampleBuffer& output, const SampleBuffer& impulseResponse,
                           bool updateResponse) {

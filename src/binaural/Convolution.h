@@ -15,15 +15,15 @@ namespace orvane {
 /// block, so the convolver adds no latency.
 ///
 ///     input block --> inputWindow (last two blocks) --FFT--> slot writeIndex of inputSpectra
-///     accumulator = sum over k of inputSpectra[writeIndex + k] * response[k], oldest input with last
-///     partition accumulator --inverse FFT--> timeResult, of which the second half is the block's output
+///     accumulator = sum over k of inputSpectra[writeIndex + k] * response slot k
+///     accumulator --inverse FFT--> timeResult, of which the second half is the block's output
 ///
+/// Response slots run from the last partition to the first, so the oldest input meets the last one.
 /// A replacement leaves the input history alone, so the new response at once acts on all past blocks;
 /// continuity is the owner's crossfade.
 ///
 /// Source  overlap-save with a frequency-domain delay line: G. Garcia, "Optimal filter partition for
-/// efficient
-///         convolution with short input/output delay", AES Convention 113, 2002.
+///         efficient convolution with short input/output delay", AES Convention 113, 2002.
 class Convolution final : public IConvolution {
 public:
     Convolution(double sampleRate, std::uint64_t blockSize, std::uint64_t partitionCount,

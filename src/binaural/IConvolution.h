@@ -10,10 +10,9 @@ class SampleBuffer;
 
 /// Convolves mono blocks with a stereo response that may be replaced between any two blocks.
 ///
-/// Shape   input [at least blockSize], of which exactly one block is read; outputs [2][frames], overwritten:
-/// a shorter
-///         one gets its frames, a longer one zeros behind the block; impulseResponse [2][at least blockSize *
-///         partitionCount], not checked.
+/// Shape   input [at least blockSize], of which exactly one block is read;
+///         outputs [2][frames], overwritten: a shorter one gets its frames, a longer one zeros behind the
+///         block; impulseResponse [2][at least blockSize * partitionCount], not checked.
 /// Thread  made on a building thread, then one audio thread.
 class IConvolution {
 public:

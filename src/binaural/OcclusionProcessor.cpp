@@ -5,9 +5,9 @@
 
 namespace orvane {
 
-OcclusionProcessor::OcclusionProcessor(float sampleRate, const float* occlusion, std::uint64_t channelCount,
+OcclusionProcessor::OcclusionProcessor(float sampleRate, const float* amount, std::uint64_t channelCount,
                                        IBiquadFilterFactory* filterFactory)
-    : amount(occlusion) {
+    : amount(amount) {
     for (std::uint64_t channel = 0; channel < channelCount; ++channel)
         filters.push_back(filterFactory->createLowPass(sampleRate, 20000.0f, 0.707f));
 }

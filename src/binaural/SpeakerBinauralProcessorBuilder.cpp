@@ -7,15 +7,14 @@
 
 namespace orvane::kestrum::core {
 
-BinauralProcessorBuilder::BinauralProcessorBuilder(float rate, std::uint64_t frames,
-                                                   ISpeakerParameterSetView* parameters,
-                                                   std::unique_ptr<IReloadParameterSet> snapshot,
-                                                   std::unique_ptr<IBinauralComponentFactory> components,
-                                                   std::unique_ptr<IConvolutionFactory> convolutions,
-                                                   IHrir* store)
-    : orvane::BinauralProcessorBuilder(rate, frames, parameters, std::move(snapshot), std::move(components),
-                                       std::move(convolutions), store),
-      speakerView(parameters) {}
+BinauralProcessorBuilder::BinauralProcessorBuilder(
+    float sampleRate, std::uint64_t blockSize, ISpeakerParameterSetView* view,
+    std::unique_ptr<IReloadParameterSet> reloadSet,
+    std::unique_ptr<IBinauralComponentFactory> componentFactory,
+    std::unique_ptr<IConvolutionFactory> convolutionFactory, IHrir* hrir)
+    : orvane::BinauralProcessorBuilder(sampleRate, blockSize, view, std::move(reloadSet),
+                                       std::move(componentFactory), std::move(convolutionFactory), hrir),
+      speakerView(view) {}
 
 std::unique_ptr<IInPlaceProcessor> BinauralProcessorBuilder::createDirectRenderer() const {
     return std::make_unique<DirectFilterRenderer>(speakerView, hrir, simpleOutput(), *componentFactory);

@@ -5,8 +5,8 @@
 
 namespace orvane {
 
-UpdateChecker::UpdateChecker(ISpatialParameterSetView* parameterView, bool source_, bool room_) noexcept
-    : view(parameterView), watchSource(source_), watchRoom(room_) {}
+UpdateChecker::UpdateChecker(ISpatialParameterSetView* view, bool watchSource, bool watchRoom) noexcept
+    : view(view), watchSource(watchSource), watchRoom(watchRoom) {}
 
 bool UpdateChecker::needsUpdate() {
     const bool sourceMoved = watchSource && sourceChanged();

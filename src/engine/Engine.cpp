@@ -22,22 +22,23 @@ void pop(Ring& ring, float* target, std::uint64_t count) noexcept {
 
 } // namespace
 
-Engine::Engine(double rate, std::uint64_t frames, std::uint64_t channelCount, float gainCompensationDb,
-               IParameterSet* parameters, IHrir* responses, const IComponentFactory* factory,
-               std::unique_ptr<IReverbProcessor> reverb, std::unique_ptr<IFade> fade)
-    : sampleRate(rate),
-      blockSize(frames),
-      parameterSet(parameters),
-      hrir(responses),
+Engine::Engine(double sampleRate, std::uint64_t blockSize, std::uint64_t channelCount,
+               float gainCompensationDb, IParameterSet* parameterSet, IHrir* hrir,
+               const IComponentFactory* componentFactory, std::unique_ptr<IReverbProcessor> reverbProcessor,
+               std::unique_ptr<IFade> inputFade)
+    : sampleRate(sampleRate),
+      blockSize(blockSize),
+      parameterSet(parameterSet),
+      hrir(hrir),
       workBuffer(channelCount, blockSize),
       mixBuffer(2, blockSize),
       speakerBuffer(2, blockSize),
       reverbBuffer(2, blockSize),
       inputFifo(channelCount, Ring(2 * blockSize)),
       outputFifo(2, Ring(2 * blockSize)),
-      componentFactory(factory),
-      reverbProcessor(std::move(reverb)),
-      inputFade(std::move(fade)) {
+      componentFactory(componentFactory),
+      reverbProcessor(std::move(reverbProcessor)),
+      inputFade(std::move(inputFade)) {
     outputProcessor = componentFactory->createOutputProcessor(sampleRate, parameterSet, gainCompensationDb);
     reloadParameters = parameterSet->createReloadParameterSet();
     for (Ring& ring : outputFifo)

@@ -22,9 +22,9 @@ namespace orvane {
 /// Both first steps and both looks are sequentially consistent, so either the writer sees the odd turn or the
 /// reader sees the next pointer; a former engine is never in use once exchange() has returned.
 ///
-/// Thread  Reader: one audio thread at a time, wait-free (two stores and a load). exchange() and current():
-/// writers
-///         that their owner keeps apart; exchange() waits for at most the rest of the reader's block.
+/// Thread  Reader: one audio thread at a time, wait-free (two stores and a load).
+///         exchange() and current(): writers that their owner keeps apart; exchange() waits for at most the
+///         rest of the reader's block.
 class EngineHandover {
 public:
     EngineHandover() = default;

@@ -17,8 +17,8 @@ namespace orvane {
 /// Keeps one engine in service and rebuilds it in the background when a structural parameter changes.
 ///
 ///     parameter change --> reloadRequested(): sets a flag
-///     background task  --> polls the flag every half block, builds, wraps old and new in a crossfade,
-///     publishes audio thread     --> runs whatever is published
+///     background task  --> polls the flag every half block; builds, wraps old and new, publishes
+///     audio thread     --> runs whatever is published
 ///
 /// A rebuild that fails ends the background task; the last engine plays on with the old structure.
 class EngineManager final : public IEngineManager, public IReloadListener {

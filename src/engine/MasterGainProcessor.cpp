@@ -11,8 +11,8 @@ float gainFromDecibels(float decibels) noexcept { return std::pow(10.0f, decibel
 
 } // namespace
 
-MasterGainProcessor::MasterGainProcessor(const float* decibels, double sampleRate) noexcept
-    : gainDb(decibels),
+MasterGainProcessor::MasterGainProcessor(const float* gainDb, double sampleRate) noexcept
+    : gainDb(gainDb),
       current(gainFromDecibels(*gainDb)),
       target(current),
       rampLength(static_cast<std::uint64_t>(5.0 / 1000.0 * sampleRate)) {}

@@ -21,17 +21,18 @@ std::uint64_t outputChannels(const IEngine* engine) noexcept {
 
 } // namespace
 
-XFadedEngine::XFadedEngine(std::shared_ptr<IEngine> old, std::unique_ptr<IEngine> next,
+XFadedEngine::XFadedEngine(std::shared_ptr<IEngine> oldEngine, std::unique_ptr<IEngine> newEngine,
                            std::uint64_t blockSize, double sampleRate, float fadeMilliseconds,
-                           std::unique_ptr<zmtl::ISleep> sleepObject, std::function<void()> started)
-    : oldEngine(old),
-      oldOutput(outputChannels(old.get()), old != nullptr ? blockSize : 0),
-      newEngine(std::move(next)),
+                           std::unique_ptr<zmtl::ISleep> sleep, std::function<void()> fadeStarted)
+    : oldEngine(std::move(oldEngine)),
+      oldOutput(outputChannels(this->oldEngine.current().get()),
+                this->oldEngine.current() != nullptr ? blockSize : 0),
+      newEngine(std::move(newEngine)),
       step(fadeStep(fadeMilliseconds, sampleRate)),
       phase(step),
-      sleep(std::move(sleepObject)),
-      fadeStarted(std::move(started)) {
-    if (old != nullptr)
+      sleep(std::move(sleep)),
+      fadeStarted(std::move(fadeStarted)) {
+    if (this->oldEngine.current() != nullptr)
         releaseTask =
             std::async(std::launch::async, [this, fadeMilliseconds] { releaseOldEngine(fadeMilliseconds); });
 }

@@ -15,9 +15,9 @@ float stepPerSample(float milliseconds, float sampleRate) noexcept {
 
 } // namespace
 
-BiquadCrossfade::BiquadCrossfade(std::unique_ptr<IBiquadFilter> faded, std::uint64_t blockSize,
+BiquadCrossfade::BiquadCrossfade(std::unique_ptr<IBiquadFilter> filter, std::uint64_t blockSize,
                                  float sampleRate, float milliseconds, float start)
-    : filter(std::move(faded)),
+    : filter(std::move(filter)),
       dry(1, blockSize),
       step(stepPerSample(milliseconds, sampleRate)),
       mix(start) {}

@@ -11,10 +11,10 @@ float prewarped(float normalizedFrequency) noexcept { return std::tan(normalized
 
 } // namespace
 
-float clampNormalizedFrequency(float f) noexcept {
-    if (f > biquadMaxFrequency)
+float clampNormalizedFrequency(float normalizedFrequency) noexcept {
+    if (normalizedFrequency > biquadMaxFrequency)
         return biquadMaxFrequency;
-    return f > biquadMinFrequency ? f : biquadMinFrequency;
+    return normalizedFrequency > biquadMinFrequency ? normalizedFrequency : biquadMinFrequency;
 }
 
 bool sameNormalizedFrequency(float present, float wanted) noexcept {

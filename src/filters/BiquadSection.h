@@ -44,8 +44,7 @@ bool sameNormalizedFrequency(float present, float wanted) noexcept ORVANE_REALTI
 
 /// Bilinear-transform designs, prewarped by K = tan(pi * normalizedFrequency).
 ///
-/// Source  second-order Butterworth-type pass filters with W = K / q, and first-to-second-order shelving
-/// filters, as in
+/// Source  second-order pass filters with W = K / q and second-order shelving filters, as in
 ///         U. Zoelzer (ed.), "DAFX: Digital Audio Effects", chapter "Filters and delays".
 BiquadCoefficients lowPassCoefficients(float normalizedFrequency, float q) noexcept ORVANE_REALTIME;
 BiquadCoefficients highPassCoefficients(float normalizedFrequency, float q) noexcept ORVANE_REALTIME;

@@ -8,12 +8,11 @@
 
 namespace orvane {
 
-DirectFilterRenderer::DirectFilterRenderer(float sampleRate, ISpatialParameterSetView* parameterView,
-                                           IHrir* store, bool synthetic,
-                                           const IBinauralComponentFactory& binauralFactory)
-    : view(parameterView),
-      hrir(store),
-      simple(synthetic),
+DirectFilterRenderer::DirectFilterRenderer(float sampleRate, ISpatialParameterSetView* view, IHrir* hrir,
+                                           bool simple, const IBinauralComponentFactory& binauralFactory)
+    : view(view),
+      hrir(hrir),
+      simple(simple),
       occlusion(binauralFactory.createOcclusionProcessor(sampleRate, &occlusionAmount, 2)) {}
 
 void DirectFilterRenderer::process(SampleBuffer& buffer) {

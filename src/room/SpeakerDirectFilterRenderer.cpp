@@ -8,12 +8,12 @@
 
 namespace orvane::kestrum::core {
 
-DirectFilterRenderer::DirectFilterRenderer(ISpeakerParameterSetView* parameterView, IHrir* store,
-                                           bool synthetic, const IBinauralComponentFactory& binauralFactory)
-    : view(parameterView),
-      clarity(binauralFactory.createClarityProcessor(store->length(), &clarityAmount)),
-      hrir(store),
-      simple(synthetic) {}
+DirectFilterRenderer::DirectFilterRenderer(ISpeakerParameterSetView* view, IHrir* hrir, bool simple,
+                                           const IBinauralComponentFactory& binauralFactory)
+    : view(view),
+      clarity(binauralFactory.createClarityProcessor(hrir->length(), &clarityAmount)),
+      hrir(hrir),
+      simple(simple) {}
 
 void DirectFilterRenderer::process(SampleBuffer& buffer) {
     const SpatialPosition position = sourcePosition(*view);

@@ -24,6 +24,7 @@
 namespace {
 
 using namespace orvane;
+
 struct ResponseLengthCase {
     std::uint32_t roomId;
     bool dynamic;
@@ -68,7 +69,7 @@ struct Loudspeaker {
     }
 
     /// Feeds `input` block by block.
-    std::pair<std::vector<float>, std::vector<float>> render(const std::vector<float>& input) {
+    std::pair<std::vector<float>, std::vector<float>> render(const std::vector<float>& input) const {
         SampleBuffer source(1, block);
         SampleBuffer output(2, block);
         std::pair<std::vector<float>, std::vector<float>> result;

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "assembly/Product.h"
+#include "parameters/core/Scene.h"
 #include "support/RealtimeScope.h"
 
 #include <gmock/gmock.h>
@@ -11,6 +12,7 @@
 #include <numeric>
 #include <random>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -258,9 +260,15 @@ INSTANTIATE_TEST_SUITE_P(ToEitherSide, HeadTurn, ::testing::Values(-45.0f, 45.0f
 
 TEST(BlockPath, NeitherAllocatesNorLocksInAnyLayoutOrScene) {
     Product product;
-    std::vector<std::string> names = layoutNames(product);
-    for (const std::string& name : names) {
+    std::vector<std::pair<std::string, std::string>> choices; // layout, Scene
+    for (const std::string& name : layoutNames(product))
+        choices.emplace_back(name, "Mix Room");
+    for (const orvane::kestrum::core::Scene::Preset& scene : orvane::kestrum::core::Scene::presets())
+        choices.emplace_back("5.1 ITU", scene.name);
+    for (const auto& [name, scene] : choices) {
+        SCOPED_TRACE(scene);
         product.chooseLayout(name);
+        product.chooseScene(scene);
         product.prepare(128, sampleRate);
         std::vector<std::vector<float>> bus(16, std::vector<float>(128, 0.25f));
         std::vector<float*> pointers = test::channelPointers(bus);

@@ -58,26 +58,28 @@ public:
                                               });
     }
 
-    void updateMappers() {
+    void updateMappers() const {
         focusMapper->update();
         ambienceMapper->update();
         masterGainMapper->update();
         sceneMapper->update();
     }
 
-    void chooseLayout(std::string_view name) {
+    void chooseLayout(std::string_view name) const {
         speakerSetup->setValue(orvane::kestrum::core::selectorId(name));
     }
-    void chooseScene(std::string_view name) { scene->setValue(orvane::kestrum::core::selectorId(name)); }
+    void chooseScene(std::string_view name) const {
+        scene->setValue(orvane::kestrum::core::selectorId(name));
+    }
 
-    void prepare(std::uint64_t blockSize, double sampleRate) {
+    void prepare(std::uint64_t blockSize, double sampleRate) const {
         updateMappers();
         manager->prepare(blockSize, sampleRate);
     }
 
     /// Renders `input` in host blocks of `hostBlock` samples (the last one may be shorter) and returns two
     /// channels.
-    Channels render(const Channels& input, std::uint64_t hostBlock) {
+    Channels render(const Channels& input, std::uint64_t hostBlock) const {
         const std::uint64_t frames = input.front().size();
         Channels output(2, std::vector<float>(frames));
         Channels bus(std::max<std::size_t>(2, input.size()), std::vector<float>(hostBlock));

@@ -368,6 +368,7 @@ TEST(HrirStoreUnderLoad, NeverHandsOutAResponseOfTwoRates) {
     std::atomic<int> torn{0};
     std::atomic<int> lookups{0};
     std::vector<std::thread> readers;
+    readers.reserve(3);
     for (int reader = 0; reader < 3; ++reader)
         readers.emplace_back([&] {
             SampleBuffer out(2, 200);

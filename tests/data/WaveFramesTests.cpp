@@ -15,7 +15,6 @@
 namespace {
 
 using test::waveBytes;
-using test::WaveHeader;
 using ::testing::ElementsAre;
 
 class WaveFrames : public ::testing::Test {

@@ -81,7 +81,7 @@ struct EngineManagerTest : ::testing::Test {
         : manager(std::make_unique<EngineManager>(std::make_unique<NumberedEngines>(shared), &notifier)) {}
 
     /// One block; returns the left channel, from a buffer that was full of noise before.
-    std::vector<float> block() {
+    std::vector<float> block() const {
         SampleBuffer buffer(3, blockSize);
         for (std::uint64_t channel = 0; channel < 3; ++channel)
             std::fill_n(buffer.channelPointers[channel], blockSize, 9.0f);
@@ -196,9 +196,13 @@ TEST_F(EngineManagerTest, PrepareTakesAPendingRequestWithIt) {
     manager->release();
     manager->prepare(2, 192000.0); // the shortest poll period: the background task looks all the time
     manager->release();
-    for (int round = 0; round < 2000; ++round) {
+    for (int round = 0; round < 50; ++round) {
         manager->reloadRequested(); // not prepared: dropped by the background task, or taken along by prepare
         manager->prepare(2, 192000.0);
+        // Two hundred polls' worth of time in which a request that was left standing would be served.
+        const auto end = std::chrono::steady_clock::now() + std::chrono::milliseconds(1);
+        while (std::chrono::steady_clock::now() < end)
+            std::this_thread::yield();
         manager->release();
     }
     manager.reset(); // the background task has ended

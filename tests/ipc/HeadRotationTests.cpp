@@ -122,6 +122,7 @@ TEST(HeadRotationRecord, ReadersNeverSeeATornMatrix) {
     rotation.setRotation(filledWith(0));
     std::atomic<int> torn{0};
     std::vector<std::thread> readers;
+    readers.reserve(3);
     for (int reader = 0; reader < 3; ++reader)
         readers.emplace_back([&] {
             for (;;) {

@@ -36,10 +36,11 @@ HeadRotationMatrix filledWith(float value) {
 }
 
 class OrvaneParameterLink : public ::testing::Test {
-protected:
+public:
     OrvaneParameterLink() { interprocess::shared_memory_object::remove(name); }
     ~OrvaneParameterLink() override { interprocess::shared_memory_object::remove(name); }
 
+protected:
     OrvaneParameterFactory factory;
 };
 
@@ -303,6 +304,7 @@ TEST_F(OrvaneParameterLink, ReadersNeverSeeATornMatrixOfAnotherProcess) {
     std::atomic<int> torn{0};
     std::atomic<int> backward{0};
     std::vector<std::thread> readers;
+    readers.reserve(2);
     for (int reader = 0; reader < 2; ++reader)
         readers.emplace_back([&] {
             float last = 0;

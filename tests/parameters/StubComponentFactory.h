@@ -8,8 +8,9 @@
 
 namespace test {
 
-/// A factory that makes what the layout table asks for, and refuses everything else.
-class StubComponentFactory final : public orvane::kestrum::core::IComponentFactory {
+/// A factory that makes what the layout table asks for, and refuses everything else. Tests of
+/// other objects derive from it and make those.
+class StubComponentFactory : public orvane::kestrum::core::IComponentFactory {
     using Hrir = orvane::IHrir;
     using InPlace = orvane::IInPlaceProcessor;
     using Layouts = orvane::kestrum::core::ISupportedLayouts;

@@ -54,6 +54,7 @@ const bool test::RealtimeScope::countingWorks = true;
 
 extern "C" {
 
+// NOLINTBEGIN(readability-inconsistent-declaration-parameter-name): the system's own names are reserved ones
 // The allocator's own entries, so that the replaced names can forward without a symbol look-up.
 void* __libc_malloc(std::size_t size);
 void* __libc_calloc(std::size_t count, std::size_t size);
@@ -173,6 +174,7 @@ __attribute__((visibility("default"))) int usleep(useconds_t microseconds) {
 
 __attribute__((visibility("default"))) int sched_yield() noexcept { KESTRUM_FORWARD(waits, sched_yield); }
 
+// NOLINTEND(readability-inconsistent-declaration-parameter-name)
 } // extern "C"
 
 #endif

@@ -20,18 +20,19 @@ constexpr float fadeMilliseconds = 10.0f;
 
 } // namespace
 
-EngineFactory::EngineFactory(ISelectorValue* speakerSetup, ISupportedLayouts* layouts,
-                             const IComponentFactory* factory, IParameterSet* parameters, IHrir* store,
-                             std::string directory, std::unique_ptr<IEngineBuilder> builder,
-                             std::function<void()> finished)
+EngineFactory::EngineFactory(ISelectorValue* speakerSetup, ISupportedLayouts* supportedLayouts,
+                             const IComponentFactory* componentFactory, IParameterSet* parameterSet,
+                             IHrir* hrir, std::string dataDirectory,
+                             std::unique_ptr<IEngineBuilder> engineBuilder,
+                             std::function<void()> reloadFinished)
     : speakerSetupValue(speakerSetup),
-      supportedLayouts(layouts),
-      componentFactory(factory),
-      parameterSet(parameters),
-      hrir(store),
-      dataDirectory(std::move(directory)),
-      engineBuilder(std::move(builder)),
-      reloadFinished(std::move(finished)) {}
+      supportedLayouts(supportedLayouts),
+      componentFactory(componentFactory),
+      parameterSet(parameterSet),
+      hrir(hrir),
+      dataDirectory(std::move(dataDirectory)),
+      engineBuilder(std::move(engineBuilder)),
+      reloadFinished(std::move(reloadFinished)) {}
 
 std::unique_ptr<orvane::IEngine> EngineFactory::createEngine(std::uint64_t blockSize, double sampleRate) {
     auto reverb = std::make_unique<SilentReverbProcessor>();

@@ -3,8 +3,8 @@
 
 namespace orvane {
 
-CrossFader::CrossFader(std::uint64_t channels, std::uint64_t samples)
-    : length(samples), ramp(2 * samples), oldBlock(channels, samples) {
+CrossFader::CrossFader(std::uint64_t channels, std::uint64_t length)
+    : length(length), ramp(2 * length), oldBlock(channels, length) {
     for (std::uint64_t k = 0; k < length; ++k) {
         const float rising = static_cast<float>(k) / static_cast<float>(length - 1);
         ramp[k] = rising;

@@ -14,8 +14,11 @@ float stepPerSample(float milliseconds, float sampleRate) noexcept {
 
 } // namespace
 
-Fade::Fade(float milliseconds, float sampleRate, float start, float end) noexcept
-    : rising(end >= start), step(stepPerSample(milliseconds, sampleRate)), current(start), target(end) {}
+Fade::Fade(float milliseconds, float sampleRate, float start, float target) noexcept
+    : rising(target >= start),
+      step(stepPerSample(milliseconds, sampleRate)),
+      current(start),
+      target(target) {}
 
 void Fade::apply(SampleBuffer& buffer) {
     if (rising && current + step > target && target == 1.0f)
