@@ -12,6 +12,7 @@
 #include <array>
 #include <cmath>
 #include <complex>
+#include <cstddef>
 #include <cstdint>
 #include <cstdlib>
 #include <filesystem>
@@ -161,10 +162,10 @@ double levelDifferenceDb(const Signal& left, const Signal& right) {
 double arrivalDifference(const Signal& left, const Signal& right, double sampleRate) {
     const Signal a = band(left, sampleRate, 100.0, 1500.0);
     const Signal b = band(right, sampleRate, 100.0, 1500.0);
-    constexpr int reach = 60;
+    constexpr std::ptrdiff_t reach = 60;
     std::array<double, 2 * reach + 1> correlation{};
-    for (int lag = -reach; lag <= reach; ++lag)
-        for (int n = reach; n + reach < static_cast<int>(a.size()); ++n)
+    for (std::ptrdiff_t lag = -reach; lag <= reach; ++lag)
+        for (std::ptrdiff_t n = reach; n + reach < static_cast<std::ptrdiff_t>(a.size()); ++n)
             correlation[static_cast<std::size_t>(lag + reach)] +=
                 a[static_cast<std::size_t>(n)] * b[static_cast<std::size_t>(n + lag)];
     const auto peak = static_cast<std::size_t>(
@@ -173,7 +174,7 @@ double arrivalDifference(const Signal& left, const Signal& right, double sampleR
     const double at = correlation[peak];
     const double after = correlation[peak + 1];
     const double fraction = 0.5 * (before - after) / (before - 2.0 * at + after);
-    return (static_cast<double>(peak) - reach + fraction) * 1e6 / sampleRate;
+    return (static_cast<double>(peak) - static_cast<double>(reach) + fraction) * 1e6 / sampleRate;
 }
 
 struct Place {

@@ -25,7 +25,6 @@
 namespace {
 
 using namespace orvane::kestrum::render;
-using orvane::kestrum::host::formatPreset;
 using orvane::kestrum::host::Module;
 using orvane::kestrum::host::PluginInstance;
 using orvane::kestrum::host::ProcessMode;
