@@ -5,7 +5,6 @@
 #include "engine/IPendingFade.h"
 
 #include <chrono>
-#include <exception>
 #include <stdexcept>
 #include <utility>
 
@@ -82,7 +81,7 @@ void EngineManager::runInBackground() {
                 std::this_thread::sleep_until(std::chrono::steady_clock::now() +
                                               std::chrono::microseconds(pollPeriod));
         }
-    } catch (const std::exception&) {
+    } catch (...) {
         // Deliberate: the task ends without a word and no further rebuild takes place; what plays goes on
         // playing.
     }

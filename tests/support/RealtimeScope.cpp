@@ -143,6 +143,17 @@ __attribute__((visibility("default"))) int pthread_cond_wait(pthread_cond_t* con
     KESTRUM_FORWARD(waits, pthread_cond_wait, condition, mutex);
 }
 
+__attribute__((visibility("default"))) int
+pthread_cond_timedwait(pthread_cond_t* condition, pthread_mutex_t* mutex, const timespec* deadline) {
+    KESTRUM_FORWARD(waits, pthread_cond_timedwait, condition, mutex, deadline);
+}
+
+__attribute__((visibility("default"))) int pthread_cond_clockwait(pthread_cond_t* condition,
+                                                                  pthread_mutex_t* mutex, clockid_t clock,
+                                                                  const timespec* deadline) {
+    KESTRUM_FORWARD(waits, pthread_cond_clockwait, condition, mutex, clock, deadline);
+}
+
 __attribute__((visibility("default"))) int pthread_cond_signal(pthread_cond_t* condition) {
     KESTRUM_FORWARD(waits, pthread_cond_signal, condition);
 }

@@ -82,6 +82,15 @@ TEST_F(RealtimeScopeSees, ASleep) {
     EXPECT_GE(scope.violations().waits, whereCounted(1));
 }
 
+TEST_F(RealtimeScopeSees, AWaitWithATimeLimit) {
+    std::mutex mutex;
+    std::condition_variable condition;
+    std::unique_lock lock(mutex);
+    const RealtimeScope scope;
+    condition.wait_for(lock, std::chrono::microseconds(1));
+    EXPECT_GE(scope.violations().waits, whereCounted(1));
+}
+
 TEST_F(RealtimeScopeSees, AYield) {
     const RealtimeScope scope;
     std::this_thread::yield();
