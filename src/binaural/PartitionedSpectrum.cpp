@@ -5,7 +5,6 @@
 
 namespace orvane {
 
-// NOLINTNEXTLINE(readability-make-member-function-const): it changes what the block holds
 void ComplexBlock::clear() noexcept { std::fill_n(data, count, fft::Complex{0, 0}); }
 
 PartitionedSpectrum::PartitionedSpectrum(std::uint64_t partitionCount, std::uint64_t blockSize)

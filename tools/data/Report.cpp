@@ -192,8 +192,7 @@ void drawPlots(const std::filesystem::path& folder) {
     for (const char letter : folder.string())
         quoted += letter == '\'' ? std::string("'\\''") : std::string(1, letter);
     // The shell is needed for the working folder only; the folder's name is quoted whole.
-    const int result =
-        std::system(("cd '" + quoted + "' && gnuplot plots.gnuplot").c_str()); // NOLINT(cert-env33-c)
+    const int result = std::system(("cd '" + quoted + "' && gnuplot plots.gnuplot").c_str());
     if (result != 0)
         throw DataError("The plots cannot be drawn: install the package gnuplot-nox, or leave --report out.");
 }
