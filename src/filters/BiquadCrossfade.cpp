@@ -1,25 +1,18 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "filters/BiquadCrossfade.h"
 
+#include "base/FadeStep.h"
+
 #include <algorithm>
 #include <utility>
 
 namespace orvane {
 
-namespace {
-
-float stepPerSample(float milliseconds, float sampleRate) noexcept {
-    const float length = milliseconds * sampleRate;
-    return length > 0.0f ? 1000.0f / length : 1.0f;
-}
-
-} // namespace
-
 BiquadCrossfade::BiquadCrossfade(std::unique_ptr<IBiquadFilter> filter, std::uint64_t blockSize,
                                  float sampleRate, float milliseconds, float start)
     : filter(std::move(filter)),
       dry(1, blockSize),
-      step(stepPerSample(milliseconds, sampleRate)),
+      step(fadeStepPerSample(milliseconds, sampleRate)),
       mix(start) {}
 
 void BiquadCrossfade::apply(float* buffer, std::uint64_t count, bool engaged) {

@@ -105,48 +105,45 @@ std::pair<Signal, Signal> headResponse(int sampleRate, float azimuth, float elev
     return {Signal(left.begin(), left.end()), Signal(right.begin(), right.end())};
 }
 
-/// Second-order Butterworth band-pass pieces are enough to look at one band of both ears alike.
-Signal band(const Signal& signal, double sampleRate, double low, double high) {
-    const auto section = [sampleRate](const Signal& in, double frequency, bool highPass) {
-        const double k = std::tan(std::numbers::pi * frequency / sampleRate);
-        const double norm = 1.0 / (1.0 + std::numbers::sqrt2 * k + k * k);
-        const double b0 = highPass ? norm : k * k * norm;
-        const double b1 = highPass ? -2.0 * b0 : 2.0 * b0;
-        const double a1 = 2.0 * (k * k - 1.0) * norm;
-        const double a2 = (1.0 - std::numbers::sqrt2 * k + k * k) * norm;
+/// A second-order section, denominator 1 + a1 z^-1 + a2 z^-2.
+struct Section {
+    double b0, b1, b2, a1, a2;
+
+    Signal filter(const Signal& in) const {
         Signal out(in.size());
         double z1 = 0;
         double z2 = 0;
         for (std::size_t n = 0; n < in.size(); ++n) {
             out[n] = b0 * in[n] + z1;
             z1 = b1 * in[n] - a1 * out[n] + z2;
-            z2 = b0 * in[n] - a2 * out[n];
+            z2 = b2 * in[n] - a2 * out[n];
         }
         return out;
+    }
+};
+
+/// Butterworth pieces of second order are enough to look at one band of both ears alike.
+Signal band(const Signal& signal, double sampleRate, double low, double high) {
+    const auto pass = [sampleRate](double frequency, bool highPass) {
+        const double k = std::tan(std::numbers::pi * frequency / sampleRate);
+        const double norm = 1.0 / (1.0 + std::numbers::sqrt2 * k + k * k);
+        const double b0 = highPass ? norm : k * k * norm;
+        return Section{b0, highPass ? -2.0 * b0 : 2.0 * b0, b0, 2.0 * (k * k - 1.0) * norm,
+                       (1.0 - std::numbers::sqrt2 * k + k * k) * norm};
     };
-    return section(section(signal, low, true), high, false);
+    return pass(high, false).filter(pass(low, true).filter(signal));
 }
 
 /// The bass shelf of the output stage, -2.7 dB at 340 Hz, which weights a voice's low end in both ears alike.
-Signal bassShelf(const Signal& in, double sampleRate) {
+Signal bassShelf(const Signal& signal, double sampleRate) {
     const double k = std::tan(std::numbers::pi * 340.0 / sampleRate);
     const double v = std::pow(10.0, 2.7 / 20.0);
     const double root = std::sqrt(2.0 * v);
     const double norm = 1.0 / (1.0 + root * k + v * k * k);
-    const double b0 = (1.0 + std::numbers::sqrt2 * k + k * k) * norm;
-    const double b1 = 2.0 * (k * k - 1.0) * norm;
-    const double b2 = (1.0 - std::numbers::sqrt2 * k + k * k) * norm;
-    const double a1 = 2.0 * (v * k * k - 1.0) * norm;
-    const double a2 = (1.0 - root * k + v * k * k) * norm;
-    Signal out(in.size());
-    double z1 = 0;
-    double z2 = 0;
-    for (std::size_t n = 0; n < in.size(); ++n) {
-        out[n] = b0 * in[n] + z1;
-        z1 = b1 * in[n] - a1 * out[n] + z2;
-        z2 = b2 * in[n] - a2 * out[n];
-    }
-    return out;
+    return Section{(1.0 + std::numbers::sqrt2 * k + k * k) * norm, 2.0 * (k * k - 1.0) * norm,
+                   (1.0 - std::numbers::sqrt2 * k + k * k) * norm, 2.0 * (v * k * k - 1.0) * norm,
+                   (1.0 - root * k + v * k * k) * norm}
+        .filter(signal);
 }
 
 double energy(const Signal& signal) {

@@ -161,10 +161,11 @@ TEST_F(EngineManagerTest, AReloadRequestBringsTheNextEngineIn) {
 
 TEST_F(EngineManagerTest, AStructuralParameterRequestsTheReload) {
     manager->prepare(blockSize, sampleRate);
-    notifier.setReverbOn(!notifier.createReloadParameterSet()->hasReverb(), true);
     notifier.setCustomRoom(true, true);
-    waitFor([&] { return shared.crossfades >= 1; });
-    SUCCEED();
+    waitFor([&] { return shared.crossfades == 1; });
+    while (block().back() != 2.0f)
+        ;
+    EXPECT_EQ(shared.fadesStarted, 1);
 }
 
 TEST_F(EngineManagerTest, TenRequestsInQuickSuccessionGiveOneOrTwoRebuilds) {

@@ -2,6 +2,7 @@
 // Expected symbols: the three entry points of a VST3 module on Linux and nothing else, so that the module
 // shares no name with another one in the same process and can be unloaded.
 #include "BundleSupport.h"
+#include "support/CommandOutput.h"
 
 #include <dlfcn.h>
 #include <gmock/gmock.h>
@@ -24,15 +25,6 @@ using ::testing::HasSubstr;
 using ::testing::Not;
 using ::testing::UnorderedElementsAre;
 
-std::string outputOf(const std::string& command) {
-    const std::unique_ptr<std::FILE, int (*)(std::FILE*)> pipe(popen(command.c_str(), "r"), pclose);
-    std::string text;
-    std::array<char, 4096> piece{};
-    while (const std::size_t count = std::fread(piece.data(), 1, piece.size(), pipe.get()))
-        text.append(piece.data(), count);
-    return text;
-}
-
 std::string inShellQuotes(const std::filesystem::path& path) {
     return std::string("'").append(path.string()).append("'");
 }
@@ -40,7 +32,7 @@ std::string inShellQuotes(const std::filesystem::path& path) {
 /// "type name" of each symbol that the module offers to others.
 std::vector<std::string> exportedSymbols() {
     std::istringstream lines(
-        outputOf("nm -D --defined-only " + inShellQuotes(Module::binaryOf(bundlePath()))));
+        ::test::outputOf("nm -D --defined-only " + inShellQuotes(Module::binaryOf(bundlePath()))));
     std::vector<std::string> symbols;
     std::string address;
     std::string type;
@@ -56,7 +48,8 @@ TEST(BundleContent, ExportsExactlyTheThreeEntryPoints) {
 }
 
 TEST(BundleContent, HoldsItsOwnTransformAndHashLibraries) {
-    const std::string needed = outputOf("readelf -d " + inShellQuotes(Module::binaryOf(bundlePath())));
+    const std::string needed =
+        ::test::outputOf("readelf -d " + inShellQuotes(Module::binaryOf(bundlePath())));
     EXPECT_THAT(needed, HasSubstr("NEEDED")); // the listing is one
     EXPECT_THAT(needed, Not(HasSubstr("fftw")));
     EXPECT_THAT(needed, Not(HasSubstr("nettle")));

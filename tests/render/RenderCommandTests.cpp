@@ -4,6 +4,7 @@
 
 #include "render/AudioStreams.h"
 #include "render/RenderError.h"
+#include "support/CommandOutput.h"
 
 #include <CLI/CLI.hpp>
 #include <gmock/gmock.h>
@@ -172,15 +173,6 @@ TEST(Bundles, NoneBesideTheProgramNorInstalledIsRefusedWithTheRemedy) {
     std::filesystem::remove_all(empty);
 }
 
-std::string outputOf(const std::string& command) {
-    const std::unique_ptr<std::FILE, int (*)(std::FILE*)> pipe(popen(command.c_str(), "r"), pclose);
-    std::string text;
-    std::array<char, 4096> piece{};
-    while (const std::size_t count = std::fread(piece.data(), 1, piece.size(), pipe.get()))
-        text.append(piece.data(), count);
-    return text;
-}
-
 std::string fileContent(const std::filesystem::path& path) {
     std::ifstream file(path);
     return {std::istreambuf_iterator<char>(file), {}};
@@ -188,7 +180,7 @@ std::string fileContent(const std::filesystem::path& path) {
 
 TEST(Documentation, OfEachCommandShowsTheHelpThatTheProgramPrints) {
     for (const std::string command : {"render", "demo"}) {
-        const std::string help = outputOf("\"" KESTRUM_PROGRAM "\" " + command + " --help");
+        const std::string help = ::test::outputOf("\"" KESTRUM_PROGRAM "\" " + command + " --help");
         ASSERT_THAT(help, HasSubstr("Usage: kestrum " + command));
         EXPECT_THAT(
             fileContent(std::filesystem::path(KESTRUM_DOCS) / "tools" / ("kestrum-" + command + ".md")),
@@ -197,8 +189,8 @@ TEST(Documentation, OfEachCommandShowsTheHelpThatTheProgramPrints) {
 }
 
 TEST(Program, TellsItsVersionAndFailsWithOneSentence) {
-    EXPECT_EQ(outputOf("\"" KESTRUM_PROGRAM "\" --version"), "kestrum 1.7.0\n");
-    EXPECT_EQ(outputOf("\"" KESTRUM_PROGRAM "\" render in.wav out.wav --block 1 2>&1; echo $?"),
+    EXPECT_EQ(::test::outputOf("\"" KESTRUM_PROGRAM "\" --version"), "kestrum 1.7.0\n");
+    EXPECT_EQ(::test::outputOf("\"" KESTRUM_PROGRAM "\" render in.wav out.wav --block 1 2>&1; echo $?"),
               "kestrum: The plug-in does not serve blocks of one sample: choose --block 2 or more.\n1\n");
 }
 

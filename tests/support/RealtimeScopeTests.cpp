@@ -19,11 +19,6 @@ using test::RealtimeScope;
 /// A guard that cannot trip proves nothing: every kind of forbidden call has to be seen.
 class RealtimeScopeSees : public ::testing::Test {
 protected:
-    void SetUp() override {
-        if (!RealtimeScope::countingWorks)
-            GTEST_SUCCEED() << "the sanitizer owns the hooks";
-    }
-
     /// 0 where the sanitizer owns the hooks.
     static std::uint64_t whereCounted(std::uint64_t expected) {
         return RealtimeScope::countingWorks ? expected : 0;

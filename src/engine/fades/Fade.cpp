@@ -1,22 +1,14 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "engine/fades/Fade.h"
 
+#include "base/FadeStep.h"
 #include "base/SampleBuffer.h"
 
 namespace orvane {
 
-namespace {
-
-float stepPerSample(float milliseconds, float sampleRate) noexcept {
-    const float length = milliseconds * sampleRate;
-    return length > 0.0f ? 1000.0f / length : 1.0f;
-}
-
-} // namespace
-
 Fade::Fade(float milliseconds, float sampleRate, float start, float target) noexcept
     : rising(target >= start),
-      step(stepPerSample(milliseconds, sampleRate)),
+      step(fadeStepPerSample(milliseconds, sampleRate)),
       current(start),
       target(target) {}
 
