@@ -2,6 +2,7 @@
 #include "data/LateReverb.h"
 
 #include "data/DecaySearch.h"
+#include "data/MeasuredSet.h"
 #include "data/RandomNumbers.h"
 #include "data/ReflectionField.h"
 #include "data/ThirdOctaves.h"
@@ -89,17 +90,19 @@ double endGain(double shareOfLength) {
 
 /// Everything that shapes a response besides its decay: start, end, and the gains it is heard through.
 struct Shape {
-    Samples own;
-    Samples heard;
+    Samples own;             ///< Start and end.
+    Samples heard;           ///< With the gains that it is heard through.
+    Samples heardAfterwards; ///< Those gains alone.
 };
 
 Shape shapeOf(const RoomDescription& room, std::size_t length, std::span<const float> heardThrough) {
-    Shape shape{Samples(length), Samples(length)};
+    Shape shape{Samples(length), Samples(length), Samples(length)};
     for (std::size_t frame = 0; frame < length; ++frame) {
         const double share = (static_cast<double>(frame) + 0.5) / static_cast<double>(length);
         shape.own[frame] = startGain(room, static_cast<double>(frame) / masterSampleRate) * endGain(share);
         const auto column = static_cast<std::size_t>(share * static_cast<double>(heardThrough.size()));
-        shape.heard[frame] = shape.own[frame] * (heardThrough.empty() ? 1.0 : heardThrough[column]);
+        shape.heardAfterwards[frame] = heardThrough.empty() ? 1.0 : heardThrough[column];
+        shape.heard[frame] = shape.own[frame] * shape.heardAfterwards[frame];
     }
     return shape;
 }
@@ -143,8 +146,8 @@ double colour(const RoomDescription& room, double frequencyHz) {
 
 /// One band of both ears: decay, then power and coherence.
 void addBand(EarSamples& sum, const EarSamples& ears, const BandWindow& band, const RoomDescription& room,
-             const HeadField& field, const Shape& shape) {
-    const double rate = decayRateFor(courseOf(ears, shape.heard), t60At(room, band.centreHz));
+             double t60, const HeadField& field, const Shape& shape) {
+    const double rate = decayRateFor(courseOf(ears, shape.heard), t60);
     Shape decayed = shape;
     for (std::size_t frame = 0; frame < shape.own.size(); ++frame) {
         const double gain = std::exp(-rate * static_cast<double>(frame) / masterSampleRate);
@@ -164,6 +167,7 @@ void addBand(EarSamples& sum, const EarSamples& ears, const BandWindow& band, co
     }
 }
 
+/// The part of both ears that a window lets through.
 EarSamples bandOf(const std::array<Spectrum, 2>& spectra, const BandWindow& band, RealTransform& transform) {
     EarSamples ears;
     for (std::size_t ear = 0; ear < 2; ++ear) {
@@ -173,6 +177,38 @@ EarSamples bandOf(const std::array<Spectrum, 2>& spectra, const BandWindow& band
         ears[ear] = transform.inverse(part);
     }
     return ears;
+}
+
+/// The whole response with these decays in its bands.
+EarSamples sumOfBands(const std::vector<EarSamples>& parts,
+                      const std::array<BandWindow, thirdOctaveCount>& bands, const RoomDescription& room,
+                      const RoomDescription& asked, const HeadField& field, const Shape& shape) {
+    EarSamples sum{Samples(shape.own.size()), Samples(shape.own.size())};
+    for (std::size_t band = 0; band < bands.size(); ++band)
+        addBand(sum, parts[band], bands[band], room, t60At(asked, bands[band].centreHz), field, shape);
+    return sum;
+}
+
+/// Each band decays as it is asked to, but an octave holds several, and neighbours of another decay and level reach
+/// into it: what an octave is off by is asked for in advance.
+void correctDecays(RoomDescription& asked, const EarSamples& made, const RoomDescription& room,
+                   const Samples& heard, RealTransform& transform) {
+    std::array<Spectrum, 2> spectra;
+    for (std::size_t ear = 0; ear < 2; ++ear) {
+        Samples asHeard = made[ear];
+        for (std::size_t frame = 0; frame < heard.size(); ++frame)
+            asHeard[frame] *= heard[frame];
+        spectra[ear] = transform.forward(asHeard);
+    }
+    constexpr double filterTimeBandwidth =
+        16; // below it the filter's own ringing is what is measured (ISO 3382)
+    const Samples whole(heard.size(), 1.0);
+    for (std::size_t octave = 0; octave < decayBandsHz.size(); ++octave) {
+        const BandWindow window = octaveWindow(decayBandsHz[octave], transform.binCount(), masterSampleRate);
+        const double t60 = reverberationTime(courseOf(bandOf(spectra, window, transform), whole));
+        if (room.t60[octave] * decayBandsHz[octave] / std::numbers::sqrt2 > filterTimeBandwidth)
+            asked.t60[octave] *= room.t60[octave] / t60;
+    }
 }
 
 void normalise(EarSamples& ears) {
@@ -191,6 +227,7 @@ std::array<Samples, 2> lateReverb(const RoomDescription& room, const DiffuseHead
                                   std::span<const float> heardThrough, std::uint64_t seed) {
     constexpr std::size_t ringing = 4096; // what the narrowest filter rings beyond either end
     constexpr std::uint64_t seedsPerSet = 1000;
+    constexpr int correctionRounds = 3;
     const std::size_t length = frameCountAt(room, masterSampleRate);
     RealTransform transform(powerOfTwoFrom(length + 2 * ringing));
     RandomNumbers random(seed * seedsPerSet + static_cast<std::uint64_t>(room.room));
@@ -198,9 +235,16 @@ std::array<Samples, 2> lateReverb(const RoomDescription& room, const DiffuseHead
     const auto bands = thirdOctaves(transform.binCount(), masterSampleRate);
     const HeadField field = head.field(transform.size());
     const Shape shape = shapeOf(room, length, heardThrough);
-    EarSamples sum{Samples(length), Samples(length)};
+    std::vector<EarSamples> parts;
+    parts.reserve(bands.size());
     for (const BandWindow& band : bands)
-        addBand(sum, bandOf(spectra, band, transform), band, room, field, shape);
+        parts.push_back(bandOf(spectra, band, transform));
+    RoomDescription asked = room;
+    EarSamples sum = sumOfBands(parts, bands, room, asked, field, shape);
+    for (int round = 0; round < correctionRounds; ++round) {
+        correctDecays(asked, sum, room, shape.heardAfterwards, transform);
+        sum = sumOfBands(parts, bands, room, asked, field, shape);
+    }
     normalise(sum);
     return sum;
 }

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "data/ReflectionField.h"
 
+#include "data/MeasuredSet.h"
+
 #include <algorithm>
 #include <cmath>
 #include <numbers>

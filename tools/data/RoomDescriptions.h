@@ -26,12 +26,12 @@ struct RoomDescription {
     std::size_t frames48000 = 0; ///< Length at 48000 Hz.
     std::string_view name;       ///< The Scene's where one uses the room.
     double volumeCubicMetres = 0;
-    double onsetMs = 0;               ///< From the direct sound to the first reflection of the response.
-    double mixingMs = 0;              ///< From here on there are no single reflections any more.
-    std::array<double, 7> t60{};      ///< Seconds, per band of decayBandsHz, as heard in the room's Scene.
-    double brightnessDbPerOctave = 0; ///< Slope of the spectrum at the start, about 1 kHz.
-    double boomDb = 0;                ///< More below 150 Hz.
-    std::span<const LateSlap> slaps;  ///< None in a closed room.
+    double onsetMs = 0;                ///< From the direct sound to the first reflection of the response.
+    double mixingMs = 0;               ///< From here on there are no single reflections any more.
+    std::array<double, 7> t60{};       ///< Seconds, per band of decayBandsHz, as heard in the room's Scene.
+    double brightnessDbPerOctave = 0;  ///< Slope of the spectrum at the start, about 1 kHz.
+    double boomDb = 0;                 ///< More below 150 Hz.
+    std::span<const LateSlap> slaps{}; ///< None in a closed room.
 };
 
 /// All rooms with a reverb, 2 to 47, in order. Each has an entry of its own.
