@@ -2,6 +2,7 @@
 #include "data/DecaySearch.h"
 
 #include <cmath>
+#include <limits>
 
 namespace orvane::kestrum::tools {
 
@@ -45,17 +46,24 @@ double reverberationTime(const EnergyCourse& course) {
 }
 
 double decayRateFor(const EnergyCourse& course, double t60Seconds) {
-    constexpr int rounds = 30;
+    constexpr int rounds = 40;
     constexpr double closeEnough = 1e-4;
+    constexpr double damping =
+        0.6; // where the fitted range ends in an uneven place, full steps would swing to and fro
     double rate = rateOfOneSecond / t60Seconds;
-    for (int round = 0; round < rounds; ++round) {
+    double best = rate;
+    double smallestError = std::numeric_limits<double>::infinity();
+    for (int round = 0; round < rounds && smallestError > closeEnough; ++round) {
         const double made = reverberationTime(decayed(course, rate));
+        const double error = std::abs(made / t60Seconds - 1);
+        if (error < smallestError) {
+            smallestError = error;
+            best = rate;
+        }
         // Rates add up, so what is missing is about what has to be added.
-        rate += rateOfOneSecond * (1 / t60Seconds - 1 / made);
-        if (std::abs(made / t60Seconds - 1) < closeEnough)
-            break;
+        rate += damping * rateOfOneSecond * (1 / t60Seconds - 1 / made);
     }
-    return rate;
+    return best;
 }
 
 } // namespace orvane::kestrum::tools

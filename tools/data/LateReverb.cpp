@@ -9,13 +9,18 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 #include <numbers>
+#include <utility>
+#include <vector>
 
 namespace orvane::kestrum::tools {
 
 namespace {
 
 using EarSamples = std::array<Samples, 2>;
+
+constexpr double thirdOctaveWidth = 0.2316; ///< Of a band, over its centre.
 
 /// Powers of both ears and what they have in common.
 struct Covariance {
@@ -116,11 +121,12 @@ EnergyCourse courseOf(const EarSamples& ears, const Samples& shape) {
     return course;
 }
 
-Covariance covarianceOf(const EarSamples& ears, const Samples& shape) {
+/// Of the span that begins with frame `from` and is weighted by `shape`.
+Covariance covarianceOf(const EarSamples& ears, const Samples& shape, std::size_t from = 0) {
     Covariance sum;
     for (std::size_t frame = 0; frame < shape.size(); ++frame) {
-        const double left = ears[leftEar][frame] * shape[frame];
-        const double right = ears[rightEar][frame] * shape[frame];
+        const double left = ears[leftEar][from + frame] * shape[frame];
+        const double right = ears[rightEar][from + frame] * shape[frame];
         sum.left += left * left;
         sum.right += right * right;
         sum.cross += left * right;
@@ -144,27 +150,57 @@ double colour(const RoomDescription& room, double frequencyHz) {
     return std::pow(10.0, (boom + room.brightnessDbPerOctave * octaves) / 20);
 }
 
-/// One band of both ears: decay, then power and coherence.
-void addBand(EarSamples& sum, const EarSamples& ears, const BandWindow& band, const RoomDescription& room,
+/// Gives a band the coherence of the field, span by span: by chance alone a few milliseconds of noise would have any.
+/// Each span keeps its power. Spans overlap by half and last several times as long as the band takes to swing in.
+EarSamples withCoherence(const EarSamples& ears, const Covariance& meant, double bandwidthHz,
+                         std::size_t length) {
+    constexpr double swings = 6;
+    constexpr double shortestSeconds = 0.04;
+    const auto hop =
+        static_cast<std::size_t>(std::max(swings / bandwidthHz, shortestSeconds) / 2 * masterSampleRate);
+    EarSamples result{Samples(length), Samples(length)};
+    for (std::size_t middle = 0; middle < length + hop; middle += hop) {
+        const std::size_t from = middle > hop ? middle - hop : 0;
+        const std::size_t to = std::min(middle + hop, length);
+        Samples window(to - from);
+        for (std::size_t frame = from; frame < to; ++frame) {
+            const double away =
+                (static_cast<double>(frame) - static_cast<double>(middle)) / static_cast<double>(hop);
+            window[frame - from] = 0.5 + 0.5 * std::cos(std::numbers::pi * away);
+        }
+        const Covariance made = covarianceOf(ears, window, from);
+        const double scale = (made.left + made.right) / (meant.left + meant.right);
+        if (scale <= 0)
+            continue;
+        const EarMix mix = mixBetween(made, {scale * meant.left, scale * meant.right, scale * meant.cross});
+        for (std::size_t frame = from; frame < to; ++frame) {
+            const double left = window[frame - from] * ears[leftEar][frame];
+            const double right = window[frame - from] * ears[rightEar][frame];
+            result[leftEar][frame] += mix.left * left + mix.cross * right;
+            result[rightEar][frame] += mix.cross * left + mix.right * right;
+        }
+    }
+    return result;
+}
+
+/// Adds one band of both ears: decay, then power.
+void addBand(EarSamples& sum, const EarSamples& coherent, const BandWindow& band, const RoomDescription& room,
              double t60, const HeadField& field, const Shape& shape) {
-    const double rate = decayRateFor(courseOf(ears, shape.heard), t60);
+    const std::size_t length = shape.own.size();
+    const Covariance meant = meantCovariance(field, band);
+    const double rate = decayRateFor(courseOf(coherent, shape.heard), t60);
     Shape decayed = shape;
-    for (std::size_t frame = 0; frame < shape.own.size(); ++frame) {
+    for (std::size_t frame = 0; frame < length; ++frame) {
         const double gain = std::exp(-rate * static_cast<double>(frame) / masterSampleRate);
         decayed.own[frame] *= gain;
         decayed.heard[frame] *= gain;
     }
-    const double energy = energyOf(decayed.heard) * std::pow(colour(room, band.centreHz), 2);
-    const Covariance perSample = meantCovariance(field, band);
-    const EarMix mix =
-        mixBetween(covarianceOf(ears, decayed.heard),
-                   {perSample.left * energy, perSample.right * energy, perSample.cross * energy});
-    for (std::size_t frame = 0; frame < shape.own.size(); ++frame) {
-        const double left = ears[leftEar][frame] * decayed.own[frame];
-        const double right = ears[rightEar][frame] * decayed.own[frame];
-        sum[leftEar][frame] += mix.left * left + mix.cross * right;
-        sum[rightEar][frame] += mix.cross * left + mix.right * right;
-    }
+    const Covariance made = covarianceOf(coherent, decayed.heard);
+    const double power = (meant.left + meant.right) * energyOf(decayed.heard) / (made.left + made.right);
+    const double gain = colour(room, band.centreHz) * std::sqrt(power);
+    for (std::size_t ear = 0; ear < 2; ++ear)
+        for (std::size_t frame = 0; frame < length; ++frame)
+            sum[ear][frame] += gain * coherent[ear][frame] * decayed.own[frame];
 }
 
 /// The part of both ears that a window lets through.
@@ -179,36 +215,56 @@ EarSamples bandOf(const std::array<Spectrum, 2>& spectra, const BandWindow& band
     return ears;
 }
 
-/// The whole response with these decays in its bands.
-EarSamples sumOfBands(const std::vector<EarSamples>& parts,
-                      const std::array<BandWindow, thirdOctaveCount>& bands, const RoomDescription& room,
-                      const RoomDescription& asked, const HeadField& field, const Shape& shape) {
-    EarSamples sum{Samples(shape.own.size()), Samples(shape.own.size())};
-    for (std::size_t band = 0; band < bands.size(); ++band)
-        addBand(sum, parts[band], bands[band], room, t60At(asked, bands[band].centreHz), field, shape);
-    return sum;
-}
-
-/// Each band decays as it is asked to, but an octave holds several, and neighbours of another decay and level reach
-/// into it: what an octave is off by is asked for in advance.
-void correctDecays(RoomDescription& asked, const EarSamples& made, const RoomDescription& room,
-                   const Samples& heard, RealTransform& transform) {
+/// T60 of each octave as it is heard; 0 where the filter's own ringing would be what is measured.
+/// Source  ISO 3382-1:2009: bandwidth times decay above 16.
+std::array<double, 7> octaveDecays(const EarSamples& response, const RoomDescription& room,
+                                   const Samples& heard, RealTransform& transform) {
+    constexpr double timesBandwidth = 16;
     std::array<Spectrum, 2> spectra;
     for (std::size_t ear = 0; ear < 2; ++ear) {
-        Samples asHeard = made[ear];
+        Samples asHeard = response[ear];
         for (std::size_t frame = 0; frame < heard.size(); ++frame)
             asHeard[frame] *= heard[frame];
         spectra[ear] = transform.forward(asHeard);
     }
-    constexpr double filterTimeBandwidth =
-        16; // below it the filter's own ringing is what is measured (ISO 3382)
     const Samples whole(heard.size(), 1.0);
-    for (std::size_t octave = 0; octave < decayBandsHz.size(); ++octave) {
+    std::array<double, 7> decays{};
+    for (std::size_t octave = 0; octave < decays.size(); ++octave) {
         const BandWindow window = octaveWindow(decayBandsHz[octave], transform.binCount(), masterSampleRate);
-        const double t60 = reverberationTime(courseOf(bandOf(spectra, window, transform), whole));
-        if (room.t60[octave] * decayBandsHz[octave] / std::numbers::sqrt2 > filterTimeBandwidth)
-            asked.t60[octave] *= room.t60[octave] / t60;
+        if (room.t60[octave] * decayBandsHz[octave] / std::numbers::sqrt2 > timesBandwidth)
+            decays[octave] = reverberationTime(courseOf(bandOf(spectra, window, transform), whole));
     }
+    return decays;
+}
+
+/// The whole response. Each band decays as it is asked to, but an octave holds several, and neighbours of another
+/// decay and level reach into it: what an octave is off by is asked for in advance, until all are near enough.
+EarSamples sumOfBands(const std::vector<EarSamples>& parts,
+                      const std::array<BandWindow, thirdOctaveCount>& bands, const RoomDescription& room,
+                      const HeadField& field, const Shape& shape, RealTransform& transform) {
+    constexpr int rounds = 8;
+    constexpr double nearEnough = 0.01;
+    constexpr double damping = 0.7;
+    EarSamples best;
+    double smallestError = std::numeric_limits<double>::infinity();
+    RoomDescription asked = room;
+    for (int round = 0; round < rounds && smallestError > nearEnough; ++round) {
+        EarSamples sum{Samples(shape.own.size()), Samples(shape.own.size())};
+        for (std::size_t band = 0; band < bands.size(); ++band)
+            addBand(sum, parts[band], bands[band], room, t60At(asked, bands[band].centreHz), field, shape);
+        const std::array<double, 7> made = octaveDecays(sum, room, shape.heardAfterwards, transform);
+        double error = 0;
+        for (std::size_t octave = 0; octave < made.size(); ++octave)
+            if (made[octave] > 0) {
+                error = std::max(error, std::abs(made[octave] / room.t60[octave] - 1));
+                asked.t60[octave] *= std::pow(room.t60[octave] / made[octave], damping);
+            }
+        if (error < smallestError) {
+            smallestError = error;
+            best = std::move(sum);
+        }
+    }
+    return best;
 }
 
 void normalise(EarSamples& ears) {
@@ -227,7 +283,6 @@ std::array<Samples, 2> lateReverb(const RoomDescription& room, const DiffuseHead
                                   std::span<const float> heardThrough, std::uint64_t seed) {
     constexpr std::size_t ringing = 4096; // what the narrowest filter rings beyond either end
     constexpr std::uint64_t seedsPerSet = 1000;
-    constexpr int correctionRounds = 3;
     const std::size_t length = frameCountAt(room, masterSampleRate);
     RealTransform transform(powerOfTwoFrom(length + 2 * ringing));
     RandomNumbers random(seed * seedsPerSet + static_cast<std::uint64_t>(room.room));
@@ -238,13 +293,9 @@ std::array<Samples, 2> lateReverb(const RoomDescription& room, const DiffuseHead
     std::vector<EarSamples> parts;
     parts.reserve(bands.size());
     for (const BandWindow& band : bands)
-        parts.push_back(bandOf(spectra, band, transform));
-    RoomDescription asked = room;
-    EarSamples sum = sumOfBands(parts, bands, room, asked, field, shape);
-    for (int round = 0; round < correctionRounds; ++round) {
-        correctDecays(asked, sum, room, shape.heardAfterwards, transform);
-        sum = sumOfBands(parts, bands, room, asked, field, shape);
-    }
+        parts.push_back(withCoherence(bandOf(spectra, band, transform), meantCovariance(field, band),
+                                      band.centreHz * thirdOctaveWidth, length));
+    EarSamples sum = sumOfBands(parts, bands, room, field, shape, transform);
     normalise(sum);
     return sum;
 }

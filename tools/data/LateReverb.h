@@ -23,7 +23,7 @@ inline constexpr std::uint64_t reverbSeed = 1;
 ///     up to the mixing time, slaps               coherence and spectrum per bin
 ///                   └──────────────┬──────────────┘
 ///                                  ▼
-///     third-octave bands ─► decay that gives each its T60 as heard ─► power and coherence of the diffuse field
+///     third-octave bands ─► coherence of the diffuse field ─► decay that gives each its T60 as heard ─► power
 ///                                  ▼
 ///     sum ─► fade at the end ─► peak 1
 ///
