@@ -3,9 +3,11 @@
 
 #include "data/About.h"
 #include "data/DataError.h"
+#include "data/DecayTableCommand.h"
 #include "data/FolderCheck.h"
 #include "data/HrirBuilder.h"
 #include "data/Report.h"
+#include "data/ReverbCommand.h"
 #include "data/SofaReader.h"
 
 #include <CLI/CLI.hpp>
@@ -27,15 +29,6 @@ void makeFolder(const std::filesystem::path& folder) {
     if (!std::filesystem::is_directory(folder))
         throw DataError("The folder \"" + folder.string() +
                         "\" cannot be made: give one that you may write to.");
-}
-
-void writeAbout(const std::string& text, const std::filesystem::path& folder) {
-    std::ofstream stream(folder / aboutFileName, std::ios::binary);
-    stream << text;
-    stream.close();
-    if (!stream)
-        throw DataError("\"" + (folder / aboutFileName).string() +
-                        "\" cannot be written: give a folder that you may write to.");
 }
 
 void tellSource(const MeasuredSet& measured, std::ostream& out) {
@@ -147,6 +140,8 @@ void addDataCommands(CLI::App& program, std::ostream& out) {
     data->require_subcommand(1);
     addHrirCommand(*data, out);
     addCheckCommand(*data, out);
+    addDecayTableCommand(*data, out);
+    addReverbCommand(*data, out);
 }
 
 void addDataCommands(CLI::App& program) { addDataCommands(program, std::cout); }
