@@ -29,6 +29,7 @@ Samples onBins(const Samples& curve, std::size_t binCount) {
 
 DiffuseHead::DiffuseHead(ResponseSet responses) : set(std::move(responses)) {
     const std::vector<double> weights = gridWeights();
+    bands = diffuseFieldCoherence(set.responses, weights, set.file.sampleRate);
     shareUpTo.resize(weights.size());
     std::partial_sum(weights.begin(), weights.end(), shareUpTo.begin());
     RealTransform transform(fieldTransformSize);

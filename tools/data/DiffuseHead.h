@@ -2,6 +2,7 @@
 #pragma once
 
 #include "data/ResponseSet.h"
+#include "data/RoomMeasures.h"
 
 namespace orvane::kestrum::tools {
 
@@ -33,8 +34,12 @@ public:
     /// The field on the bins of a transform of any size.
     HeadField field(std::size_t transformSize) const;
 
+    /// Coherence in the bands of lateCoherence().
+    const std::vector<CoherenceBand>& coherence() const { return bands; }
+
 private:
     ResponseSet set;
+    std::vector<CoherenceBand> bands;
     Samples shareUpTo;
     HeadField measured;
 };

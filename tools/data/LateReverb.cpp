@@ -5,6 +5,7 @@
 #include "data/MeasuredSet.h"
 #include "data/RandomNumbers.h"
 #include "data/ReflectionField.h"
+#include "data/RoomMeasures.h"
 #include "data/ThirdOctaves.h"
 
 #include <algorithm>
@@ -86,6 +87,12 @@ double startGain(const RoomDescription& room, double seconds) {
     return 0.5 - 0.5 * std::cos(std::numbers::pi * way);
 }
 
+/// From the room's early level at the first reflection straight to 0 dB at the mixing time.
+double earlyGain(const RoomDescription& room, double seconds) {
+    const double way = std::clamp((seconds * 1000 - room.onsetMs) / (room.mixingMs - room.onsetMs), 0.0, 1.0);
+    return std::pow(10.0, room.earlyDb * (1 - way) / 20);
+}
+
 /// Falls to nothing over the last tenth.
 double endGain(double shareOfLength) {
     constexpr double fadeFrom = 0.9;
@@ -104,7 +111,8 @@ Shape shapeOf(const RoomDescription& room, std::size_t length, std::span<const f
     Shape shape{Samples(length), Samples(length), Samples(length)};
     for (std::size_t frame = 0; frame < length; ++frame) {
         const double share = (static_cast<double>(frame) + 0.5) / static_cast<double>(length);
-        shape.own[frame] = startGain(room, static_cast<double>(frame) / masterSampleRate) * endGain(share);
+        const double seconds = static_cast<double>(frame) / masterSampleRate;
+        shape.own[frame] = startGain(room, seconds) * earlyGain(room, seconds) * endGain(share);
         const auto column = static_cast<std::size_t>(share * static_cast<double>(heardThrough.size()));
         shape.heardAfterwards[frame] = heardThrough.empty() ? 1.0 : heardThrough[column];
         shape.heard[frame] = shape.own[frame] * shape.heardAfterwards[frame];
@@ -185,9 +193,8 @@ EarSamples withCoherence(const EarSamples& ears, const Covariance& meant, double
 
 /// Adds one band of both ears: decay, then power.
 void addBand(EarSamples& sum, const EarSamples& coherent, const BandWindow& band, const RoomDescription& room,
-             double t60, const HeadField& field, const Shape& shape) {
+             double t60, const Covariance& meant, const Shape& shape) {
     const std::size_t length = shape.own.size();
-    const Covariance meant = meantCovariance(field, band);
     const double rate = decayRateFor(courseOf(coherent, shape.heard), t60);
     Shape decayed = shape;
     for (std::size_t frame = 0; frame < length; ++frame) {
@@ -240,8 +247,9 @@ std::array<double, 7> octaveDecays(const EarSamples& response, const RoomDescrip
 /// The whole response. Each band decays as it is asked to, but an octave holds several, and neighbours of another
 /// decay and level reach into it: what an octave is off by is asked for in advance, until all are near enough.
 EarSamples sumOfBands(const std::vector<EarSamples>& parts,
-                      const std::array<BandWindow, thirdOctaveCount>& bands, const RoomDescription& room,
-                      const HeadField& field, const Shape& shape, RealTransform& transform) {
+                      const std::array<BandWindow, thirdOctaveCount>& bands,
+                      const std::array<Covariance, thirdOctaveCount>& meant, const RoomDescription& room,
+                      const Shape& shape, RealTransform& transform) {
     constexpr int rounds = 8;
     constexpr double nearEnough = 0.01;
     constexpr double damping = 0.7;
@@ -251,7 +259,8 @@ EarSamples sumOfBands(const std::vector<EarSamples>& parts,
     for (int round = 0; round < rounds && smallestError > nearEnough; ++round) {
         EarSamples sum{Samples(shape.own.size()), Samples(shape.own.size())};
         for (std::size_t band = 0; band < bands.size(); ++band)
-            addBand(sum, parts[band], bands[band], room, t60At(asked, bands[band].centreHz), field, shape);
+            addBand(sum, parts[band], bands[band], room, t60At(asked, bands[band].centreHz), meant[band],
+                    shape);
         const std::array<double, 7> made = octaveDecays(sum, room, shape.heardAfterwards, transform);
         double error = 0;
         for (std::size_t octave = 0; octave < made.size(); ++octave)
@@ -265,6 +274,30 @@ EarSamples sumOfBands(const std::vector<EarSamples>& parts,
         }
     }
     return best;
+}
+
+/// Compares a response's coherence with the field's, as it is usually measured, and asks in advance for what a band is
+/// off by: neighbouring bands and the sound's own start reach into each.
+/// @return the largest difference.
+double correctCoherence(std::array<Covariance, thirdOctaveCount>& asked,
+                        const std::array<Covariance, thirdOctaveCount>& meant, const EarSamples& response,
+                        const Shape& shape, const RoomDescription& room, const DiffuseHead& head) {
+    constexpr double damping = 0.7;
+    constexpr double largest = 0.98;
+    constexpr double comparedToHz = 12000;
+    EarSamples heard = response;
+    for (Samples& ear : heard)
+        for (std::size_t frame = 0; frame < ear.size(); ++frame)
+            ear[frame] *= shape.heardAfterwards[frame];
+    const std::vector<CoherenceBand> made = lateCoherence(heard, masterSampleRate, room.mixingMs / 1000);
+    double error = 0;
+    for (std::size_t band = 0; band < made.size() && made[band].centreHz < comparedToHz; ++band) {
+        const double off = made[band].zeroLag - head.coherence()[band].zeroLag;
+        error = std::max(error, std::abs(off));
+        const double scale = std::sqrt(meant[band].left * meant[band].right);
+        asked[band].cross = scale * std::clamp(asked[band].cross / scale - damping * off, -largest, largest);
+    }
+    return error;
 }
 
 void normalise(EarSamples& ears) {
@@ -283,6 +316,8 @@ std::array<Samples, 2> lateReverb(const RoomDescription& room, const DiffuseHead
                                   std::span<const float> heardThrough, std::uint64_t seed) {
     constexpr std::size_t ringing = 4096; // what the narrowest filter rings beyond either end
     constexpr std::uint64_t seedsPerSet = 1000;
+    constexpr int coherenceRounds = 5;
+    constexpr double nearEnough = 0.05;
     const std::size_t length = frameCountAt(room, masterSampleRate);
     RealTransform transform(powerOfTwoFrom(length + 2 * ringing));
     RandomNumbers random(seed * seedsPerSet + static_cast<std::uint64_t>(room.room));
@@ -290,14 +325,31 @@ std::array<Samples, 2> lateReverb(const RoomDescription& room, const DiffuseHead
     const auto bands = thirdOctaves(transform.binCount(), masterSampleRate);
     const HeadField field = head.field(transform.size());
     const Shape shape = shapeOf(room, length, heardThrough);
+    std::array<Covariance, thirdOctaveCount> meant;
     std::vector<EarSamples> parts;
     parts.reserve(bands.size());
-    for (const BandWindow& band : bands)
-        parts.push_back(withCoherence(bandOf(spectra, band, transform), meantCovariance(field, band),
-                                      band.centreHz * thirdOctaveWidth, length));
-    EarSamples sum = sumOfBands(parts, bands, room, field, shape, transform);
-    normalise(sum);
-    return sum;
+    for (std::size_t band = 0; band < bands.size(); ++band) {
+        meant[band] = meantCovariance(field, bands[band]);
+        parts.push_back(bandOf(spectra, bands[band], transform));
+    }
+    EarSamples best;
+    double smallestError = std::numeric_limits<double>::infinity();
+    std::array<Covariance, thirdOctaveCount> asked = meant;
+    for (int round = 0; round < coherenceRounds && smallestError > nearEnough; ++round) {
+        std::vector<EarSamples> coherent;
+        coherent.reserve(parts.size());
+        for (std::size_t band = 0; band < bands.size(); ++band)
+            coherent.push_back(
+                withCoherence(parts[band], asked[band], bands[band].centreHz * thirdOctaveWidth, length));
+        EarSamples sum = sumOfBands(coherent, bands, meant, room, shape, transform);
+        const double error = correctCoherence(asked, meant, sum, shape, room, head);
+        if (error < smallestError) {
+            smallestError = error;
+            best = std::move(sum);
+        }
+    }
+    normalise(best);
+    return best;
 }
 
 } // namespace orvane::kestrum::tools

@@ -23,7 +23,7 @@ constexpr std::size_t framesStart = markSize + offsetSize * reverbEntryCount;
 std::array<std::size_t, reverbEntryCount> entryStarts(const ReverbFile& file) {
     std::array<std::size_t, reverbEntryCount> lengths{};
     for (const RoomDescription& room : roomDescriptions())
-        lengths[room.entry - 1] = frameCountAt(room, file.sampleRate);
+        lengths[entryOf(room) - 1] = frameCountAt(room, file.sampleRate);
     std::array<std::size_t, reverbEntryCount> starts{};
     std::size_t next = 1;
     for (std::size_t index = 0; index < reverbEntryCount; ++index)
@@ -64,7 +64,7 @@ void writeReverbSet(const ReverbSet& set, const std::filesystem::path& folder) {
         put32(bytes, static_cast<std::uint32_t>(start));
     bytes.resize(reverbFileSize(set.file));
     for (const ReverbEntry& entry : set.entries) {
-        const std::size_t start = starts[roomDescription(entry.room).entry - 1];
+        const std::size_t start = starts[entryOf(roomDescription(entry.room)) - 1];
         for (std::size_t ear = 0; ear < 2; ++ear)
             for (std::size_t frame = 0; frame < entry.ears[ear].size(); ++frame)
                 setFloat(bytes, framesStart + frameSize * (start + frame) + sizeof(float) * ear,
@@ -83,7 +83,7 @@ ReverbSet readReverbSet(const ReverbFile& file, const std::filesystem::path& fol
                         std::to_string(reverbFileSize(file)));
     ReverbSet set{file, {}};
     for (const RoomDescription& room : roomDescriptions()) {
-        const std::size_t start = get32(bytes, markSize + offsetSize * (room.entry - 1));
+        const std::size_t start = get32(bytes, markSize + offsetSize * (entryOf(room) - 1));
         const std::size_t length = frameCountAt(room, file.sampleRate);
         if (framesStart + frameSize * (start + length) > bytes.size())
             throw DataError("room " + std::to_string(room.room) + " would run beyond its end");

@@ -26,9 +26,6 @@ inline constexpr std::array<ReverbFile, 3> reverbFiles{{
 
 inline constexpr std::size_t reverbEntryCount = 60;
 
-/// What stands for the rooms without a reverb: one silent frame.
-inline constexpr std::size_t placeholderEntry = 11;
-
 /// One room's response in a file.
 struct ReverbEntry {
     int room = 0;
@@ -45,7 +42,7 @@ struct ReverbSet {
 std::uint64_t reverbFileSize(const ReverbFile& file);
 
 /// Writes the set as the product reads it: 2 bytes, the table of 60 starts in stereo frames from the table's end, the
-/// silent frame of placeholderEntry and of all entries that no room uses, then room after room in the order of
+/// silent frame that all entries share which no room with a reverb uses, then room after room in the order of
 /// the entries, stereo frames of 32-bit floats. All little-endian. Written beside the target and renamed, so that
 /// a reader never meets half a file.
 /// @throws DataError when the folder cannot be written.

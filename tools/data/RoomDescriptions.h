@@ -19,15 +19,15 @@ struct LateSlap {
     double levelDb = 0;          ///< Over the tail at that moment.
 };
 
-/// What one reverb response is to sound like, and where it lies in the data files.
+/// What one reverb response is to sound like.
 struct RoomDescription {
-    int room = 0;                ///< As the product counts rooms.
-    std::size_t entry = 0;       ///< Counted from 1, in the files' table.
-    std::size_t frames48000 = 0; ///< Length at 48000 Hz.
-    std::string_view name;       ///< The Scene's where one uses the room.
+    int room = 0;          ///< As the product counts rooms.
+    std::string_view name; ///< The Scene's where one uses the room.
     double volumeCubicMetres = 0;
-    double onsetMs = 0;                ///< From the direct sound to the first reflection of the response.
-    double mixingMs = 0;               ///< From here on there are no single reflections any more.
+    double onsetMs = 0;  ///< From the direct sound to the first reflection of the response.
+    double mixingMs = 0; ///< From here on there are no single reflections any more.
+    double earlyDb =
+        0; ///< More at the first reflection than the decay says, going to nothing by the mixing time.
     std::array<double, 7> t60{};       ///< Seconds, per band of decayBandsHz, as heard in the room's Scene.
     double brightnessDbPerOctave = 0;  ///< Slope of the spectrum at the start, about 1 kHz.
     double boomDb = 0;                 ///< More below 150 Hz.
@@ -46,8 +46,8 @@ std::span<const RoomDescription> roomDescriptions();
 /// @throws std::out_of_range for a room without a reverb.
 const RoomDescription& roomDescription(int room);
 
-/// The room's length in a file of another rate: the quotient of the rates is rounded to 32-bit float before it
-/// multiplies, the product as well, then cut, as the product reckons when it reads.
+/// The product's own entry for the room in the files' table, counted from 1, and the room's length in the file of a rate.
+std::size_t entryOf(const RoomDescription& room);
 std::size_t frameCountAt(const RoomDescription& room, int sampleRate);
 
 /// Decay at any frequency: between the bands straight over the logarithm of the frequency, below the lowest
