@@ -24,9 +24,13 @@ void addReflection(EarSamples& field, const DiffuseHead& head, std::size_t place
     }
 }
 
-/// How much of the field is noise at a moment: nothing at the first reflection, all from the mixing time on.
+/// Single reflections end well before the mixing time: by then they are to be blurred.
+constexpr double lastSingleShare = 0.8;
+
+/// How much of the field is noise at a moment: nothing at the first reflection, all from the last single one on.
 double noiseShare(const RoomDescription& room, double seconds) {
-    const double way = std::clamp((seconds * 1000 - room.onsetMs) / (room.mixingMs - room.onsetMs), 0.0, 1.0);
+    const double lastMs = lastSingleShare * room.mixingMs;
+    const double way = std::clamp((seconds * 1000 - room.onsetMs) / (lastMs - room.onsetMs), 0.0, 1.0);
     return way * way;
 }
 
@@ -37,7 +41,7 @@ void addSingleReflections(EarSamples& field, const RoomDescription& room, const 
     constexpr double densestPerSecond =
         12000; // a dozen overlap at the ear at any time: no single one is heard
     const double rate = head.sampleRate();
-    const double mixing = room.mixingMs / 1000;
+    const double mixing = lastSingleShare * room.mixingMs / 1000;
     double seconds = room.onsetMs / 1000;
     while (seconds < mixing) {
         const double density = densestPerSecond * seconds * seconds / (mixing * mixing);

@@ -1,44 +1,17 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "data/ReverbBuilder.h"
 
+#include "data/OnAllCores.h"
 #include "data/Rendering.h"
 #include "parameters/core/Scene.h"
 #include "room/DecayTable.h"
 
 #include <algorithm>
-#include <atomic>
-#include <exception>
 #include <mutex>
-#include <thread>
 
 namespace orvane::kestrum::tools {
 
 namespace {
-
-/// Runs work(0) to work(count - 1) on all cores. The first exception of any of them comes out.
-void onAllCores(std::size_t count, const std::function<void(std::size_t)>& work) {
-    std::atomic<std::size_t> next = 0;
-    std::exception_ptr failure;
-    std::mutex failing;
-    const auto take = [&] {
-        try {
-            for (std::size_t index = next++; index < count; index = next++)
-                work(index);
-        } catch (...) {
-            const std::lock_guard lock(failing);
-            failure = std::current_exception();
-            next = count;
-        }
-    };
-    std::vector<std::thread> threads(std::max(1U, std::thread::hardware_concurrency()) - 1);
-    for (std::thread& thread : threads)
-        thread = std::thread(take);
-    take();
-    for (std::thread& thread : threads)
-        thread.join();
-    if (failure)
-        std::rethrow_exception(failure);
-}
 
 /// A response with room for what rings before its start and behind its end.
 Samples padded(const Samples& response, std::size_t room) {

@@ -4,9 +4,11 @@
 #include "data/About.h"
 #include "data/DataError.h"
 #include "data/ReverbBuilder.h"
+#include "data/ReverbCalibration.h"
 
 #include <CLI/CLI.hpp>
 
+#include <iomanip>
 #include <memory>
 #include <ostream>
 #include <string>
@@ -28,6 +30,16 @@ ResponseSet readHead(const std::filesystem::path& folder) {
     }
 }
 
+void tellFigures(const std::vector<SceneFigures>& figures, std::ostream& out) {
+    out << std::fixed;
+    for (const SceneFigures& scene : figures)
+        out << "  " << std::left << std::setw(15) << scene.scene << std::right << std::showpos
+            << std::setprecision(1) << scene.levelDb << std::noshowpos << " dB: T60 " << std::setprecision(2)
+            << scene.decaySeconds << " s (goal " << scene.decayTarget << "), C50 " << std::setprecision(1)
+            << scene.clarity50Db << " dB (goal " << scene.clarity50Target << "), direct to all the rest "
+            << scene.directToRestDb << " dB (goal " << scene.directToRestTarget << ").\n";
+}
+
 } // namespace
 
 void runReverb(const ReverbRequest& request, std::ostream& out) {
@@ -38,10 +50,12 @@ void runReverb(const ReverbRequest& request, std::ostream& out) {
     }
     const DiffuseHead head(readHead(request.folder));
     std::size_t count = 0;
-    const std::vector<ReverbEntry> rooms = synthesiseRooms(head, [&](const RoomDescription& room) {
+    std::vector<ReverbEntry> rooms = synthesiseRooms(head, [&](const RoomDescription& room) {
         out << "Room " << ++count << " of " << roomDescriptions().size() << ": " << room.name << ".\n"
             << std::flush;
     });
+    out << "Levels, by rendering the Scenes:\n" << std::flush;
+    tellFigures(calibrateLevels(rooms, request.folder), out);
     for (const ReverbFile& file : reverbFiles)
         writeReverbSet(reverbSetFor(file, rooms), request.folder);
     writeAbout(about, request.folder);
