@@ -25,7 +25,7 @@ void addReflection(EarSamples& field, const DiffuseHead& head, std::size_t place
 }
 
 /// Single reflections end well before the mixing time: by then they are to be blurred.
-constexpr double lastSingleShare = 0.8;
+constexpr double lastSingleShare = 0.7;
 
 /// How much of the field is noise at a moment: nothing at the first reflection, all from the last single one on.
 double noiseShare(const RoomDescription& room, double seconds) {
@@ -38,13 +38,14 @@ double noiseShare(const RoomDescription& room, double seconds) {
 /// power.
 void addSingleReflections(EarSamples& field, const RoomDescription& room, const DiffuseHead& head,
                           RandomNumbers& random) {
-    constexpr double densestPerSecond =
-        12000; // a dozen overlap at the ear at any time: no single one is heard
+    constexpr double densestPerSecond = 20000; // a score overlap at the ear: no single one is heard
+    constexpr double sparsestShare = 0.05;     // fewer would stick out of the room's own first reflections
     const double rate = head.sampleRate();
     const double mixing = lastSingleShare * room.mixingMs / 1000;
     double seconds = room.onsetMs / 1000;
     while (seconds < mixing) {
-        const double density = densestPerSecond * seconds * seconds / (mixing * mixing);
+        const double density =
+            densestPerSecond * std::max(seconds * seconds / (mixing * mixing), sparsestShare);
         const double energy = rate / density * (1 - noiseShare(room, seconds));
         addReflection(field, head, head.place(random.uniform()), static_cast<std::size_t>(seconds * rate),
                       random.sign() * std::sqrt(energy));
