@@ -7,6 +7,7 @@
 #include "data/FolderCheck.h"
 #include "data/HrirBuilder.h"
 #include "data/Report.h"
+#include "data/ReportCommand.h"
 #include "data/SofaReader.h"
 
 #include <CLI/CLI.hpp>
@@ -149,6 +150,7 @@ void addDataCommands(CLI::App& program, std::ostream& out) {
     addHrirCommand(*data, out);
     addCheckCommand(*data, out);
     addDecayTableCommand(*data, out);
+    addReportCommand(*data, out);
 }
 
 void addDataCommands(CLI::App& program) { addDataCommands(program, std::cout); }
