@@ -8,6 +8,7 @@
 #include "data/HrirBuilder.h"
 #include "data/Report.h"
 #include "data/ReportCommand.h"
+#include "data/ReverbCommand.h"
 #include "data/SofaReader.h"
 
 #include <CLI/CLI.hpp>
@@ -29,15 +30,6 @@ void makeFolder(const std::filesystem::path& folder) {
     if (!std::filesystem::is_directory(folder))
         throw DataError("The folder \"" + folder.string() +
                         "\" cannot be made: give one that you may write to.");
-}
-
-void writeAbout(const std::string& text, const std::filesystem::path& folder) {
-    std::ofstream stream(folder / aboutFileName, std::ios::binary);
-    stream << text;
-    stream.close();
-    if (!stream)
-        throw DataError("\"" + (folder / aboutFileName).string() +
-                        "\" cannot be written: give a folder that you may write to.");
 }
 
 void tellSource(const MeasuredSet& measured, std::ostream& out) {
@@ -151,6 +143,7 @@ void addDataCommands(CLI::App& program, std::ostream& out) {
     addCheckCommand(*data, out);
     addDecayTableCommand(*data, out);
     addReportCommand(*data, out);
+    addReverbCommand(*data, out);
 }
 
 void addDataCommands(CLI::App& program) { addDataCommands(program, std::cout); }
