@@ -29,7 +29,6 @@ namespace {
 
 using test::Product;
 using ::testing::Contains;
-using ::testing::Each;
 using ::testing::Not;
 
 constexpr double sampleRate = 48000.0;
