@@ -7,6 +7,7 @@
 #include "data/FolderCheck.h"
 #include "data/HrirBuilder.h"
 #include "data/Report.h"
+#include "data/ReportCommand.h"
 #include "data/ReverbCommand.h"
 #include "data/SofaReader.h"
 
@@ -141,6 +142,7 @@ void addDataCommands(CLI::App& program, std::ostream& out) {
     addHrirCommand(*data, out);
     addCheckCommand(*data, out);
     addDecayTableCommand(*data, out);
+    addReportCommand(*data, out);
     addReverbCommand(*data, out);
 }
 

@@ -70,6 +70,7 @@ std::vector<float> decayCurves() {
     gains.reserve(decayCurveCount * decayCurveLength);
     for (std::size_t curve = 0; curve < decayCurveCount; ++curve) {
         std::vector<double> losses;
+        losses.reserve(across.size());
         for (const MonotoneCurve& line : across)
             losses.push_back(line.at(static_cast<double>(curve)));
         const MonotoneCurve along(places, losses, Lean::harmonicMean);
