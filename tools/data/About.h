@@ -25,6 +25,13 @@ std::string aboutText(const std::filesystem::path& input, const Origin& origin);
 /// @throws DataError when the folder has no such text, or none that can be read.
 std::string aboutWithReverb(const std::filesystem::path& folder);
 
+/// The methods that a folder's text names; 0 for one that it does not.
+struct AboutMethods {
+    int responses = 0;
+    int rooms = 0;
+};
+AboutMethods methodsOf(const std::filesystem::path& folder);
+
 /// @throws DataError when the folder cannot be written.
 void writeAbout(const std::string& text, const std::filesystem::path& folder);
 

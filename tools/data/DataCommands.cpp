@@ -97,8 +97,8 @@ void runCheck(const std::filesystem::path& folder, std::ostream& out) {
     for (const FileVerdict& verdict : checkDataFolder(folder)) {
         out << (verdict.sound ? "sound  " : "FAULT  ") << verdict.name << ": " << verdict.finding << ".\n";
         if (!verdict.sound) {
-            ++faults;
-            remedy = verdict.remedy;
+            if (faults++ == 0)
+                remedy = verdict.remedy; // what comes later in the list is made of what comes first
         }
     }
     if (faults > 0)

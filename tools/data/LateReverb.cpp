@@ -10,6 +10,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <functional>
 #include <limits>
 #include <numbers>
 #include <utility>
@@ -222,26 +223,11 @@ EarSamples bandOf(const std::array<Spectrum, 2>& spectra, const BandWindow& band
     return ears;
 }
 
-/// T60 of each octave as it is heard; 0 where the filter's own ringing would be what is measured.
-/// Source  ISO 3382-1:2009: bandwidth times decay above 16.
-std::array<double, 7> octaveDecays(const EarSamples& response, const RoomDescription& room,
-                                   const Samples& heard, RealTransform& transform) {
-    constexpr double timesBandwidth = 16;
-    std::array<Spectrum, 2> spectra;
-    for (std::size_t ear = 0; ear < 2; ++ear) {
-        Samples asHeard = response[ear];
-        for (std::size_t frame = 0; frame < heard.size(); ++frame)
-            asHeard[frame] *= heard[frame];
-        spectra[ear] = transform.forward(asHeard);
-    }
-    const Samples whole(heard.size(), 1.0);
-    std::array<double, 7> decays{};
-    for (std::size_t octave = 0; octave < decays.size(); ++octave) {
-        const BandWindow window = octaveWindow(decayBandsHz[octave], transform.binCount(), masterSampleRate);
-        if (room.t60[octave] * decayBandsHz[octave] / std::numbers::sqrt2 > timesBandwidth)
-            decays[octave] = reverberationTime(courseOf(bandOf(spectra, window, transform), whole));
-    }
-    return decays;
+EarSamples asHeard(const EarSamples& response, const Shape& shape) {
+    EarSamples heard = response;
+    for (Samples& ear : heard)
+        std::ranges::transform(ear, shape.heardAfterwards, ear.begin(), std::multiplies<>());
+    return heard;
 }
 
 /// The whole response. Each band decays as it is asked to, but an octave holds several, and neighbours of another
@@ -249,7 +235,7 @@ std::array<double, 7> octaveDecays(const EarSamples& response, const RoomDescrip
 EarSamples sumOfBands(const std::vector<EarSamples>& parts,
                       const std::array<BandWindow, thirdOctaveCount>& bands,
                       const std::array<Covariance, thirdOctaveCount>& meant, const RoomDescription& room,
-                      const Shape& shape, RealTransform& transform) {
+                      const Shape& shape) {
     constexpr int rounds = 8;
     constexpr double nearEnough = 0.01;
     constexpr double damping = 0.7;
@@ -261,12 +247,13 @@ EarSamples sumOfBands(const std::vector<EarSamples>& parts,
         for (std::size_t band = 0; band < bands.size(); ++band)
             addBand(sum, parts[band], bands[band], room, t60At(asked, bands[band].centreHz), meant[band],
                     shape);
-        const std::array<double, 7> made = octaveDecays(sum, room, shape.heardAfterwards, transform);
+        const OctaveDecays made = octaveDecayTimes(asHeard(sum, shape), masterSampleRate);
         double error = 0;
         for (std::size_t octave = 0; octave < made.size(); ++octave)
-            if (made[octave] > 0) {
-                error = std::max(error, std::abs(made[octave] / room.t60[octave] - 1));
-                asked.t60[octave] *= std::pow(room.t60[octave] / made[octave], damping);
+            if (made[octave].rangeDb > 0) {
+                const double ratio = made[octave].seconds / room.t60[octave];
+                error = std::max(error, std::abs(ratio - 1));
+                asked.t60[octave] *= std::pow(ratio, -damping);
             }
         if (error < smallestError) {
             smallestError = error;
@@ -285,11 +272,8 @@ double correctCoherence(std::array<Covariance, thirdOctaveCount>& asked,
     constexpr double damping = 0.7;
     constexpr double largest = 0.98;
     constexpr double comparedToHz = 12000;
-    EarSamples heard = response;
-    for (Samples& ear : heard)
-        for (std::size_t frame = 0; frame < ear.size(); ++frame)
-            ear[frame] *= shape.heardAfterwards[frame];
-    const std::vector<CoherenceBand> made = lateCoherence(heard, masterSampleRate, room.mixingMs / 1000);
+    const std::vector<CoherenceBand> made =
+        lateCoherence(asHeard(response, shape), masterSampleRate, room.mixingMs / 1000);
     double error = 0;
     for (std::size_t band = 0; band < made.size() && made[band].centreHz < comparedToHz; ++band) {
         const double off = made[band].zeroLag - head.coherence()[band].zeroLag;
@@ -341,7 +325,7 @@ std::array<Samples, 2> lateReverb(const RoomDescription& room, const DiffuseHead
         for (std::size_t band = 0; band < bands.size(); ++band)
             coherent.push_back(
                 withCoherence(parts[band], asked[band], bands[band].centreHz * thirdOctaveWidth, length));
-        EarSamples sum = sumOfBands(coherent, bands, meant, room, shape, transform);
+        EarSamples sum = sumOfBands(coherent, bands, meant, room, shape);
         const double error = correctCoherence(asked, meant, sum, shape, room, head);
         if (error < smallestError) {
             smallestError = error;

@@ -46,8 +46,8 @@ constexpr std::array<RoomDescription, 46> descriptions{{
     {21, "corridor", 300, 7, 31, -3, {0.878, 0.778, 0.72, 0.72, 0.706, 0.677, 0.598}, 0.3},
     {22, "office", 40, 4, 24, -6, {0.494, 0.426, 0.38, 0.38, 0.369, 0.342, 0.296}, 0},
     {23, "tiled room", 70, 4.5, 26, -6, {0.61, 0.54, 0.5, 0.5, 0.49, 0.47, 0.415}, 0.6},
-    {24, "Car", 3, 0.8, 8, -3, {0.1, 0.089, 0.08, 0.08, 0.0776, 0.072, 0.0624}, -1, 9},
-    {25, "Van", 8, 1.2, 10, -3, {0.108, 0.092, 0.08, 0.08, 0.0776, 0.072, 0.0624}, -0.5, 4},
+    {24, "Car", 3, 0.8, 8, -3, {0.106, 0.092, 0.08, 0.08, 0.0776, 0.072, 0.0624}, -1, 9},
+    {25, "Van", 8, 1.2, 10, -3, {0.106, 0.092, 0.08, 0.08, 0.0776, 0.072, 0.0624}, -0.5, 4},
     {26, "vocal booth", 35, 3, 23, -6, {0.23, 0.196, 0.17, 0.17, 0.165, 0.153, 0.133}, -0.5},
     {27, "Cinema and Home Theater", 2500, 8, 45, 0, {0.627, 0.524, 0.448, 0.448, 0.43, 0.395, 0.345}, -0.5},
     {28, "basilica", 12000, 22, 85, 0, {3.84, 3.36, 3, 3, 2.88, 2.61, 2.19}, -0.8},
@@ -93,8 +93,8 @@ std::size_t frameCountAt(const RoomDescription& room, int sampleRate) {
 }
 
 double t60At(const RoomDescription& room, double frequencyHz) {
-    const double octave = std::log2(std::max(frequencyHz, decayBandsHz.front()) / decayBandsHz.front());
-    const auto band = std::min(static_cast<std::size_t>(octave), decayBandsHz.size() - 2);
+    const double octave = std::log2(std::max(frequencyHz, roomOctavesHz.front()) / roomOctavesHz.front());
+    const auto band = std::min(static_cast<std::size_t>(octave), roomOctavesHz.size() - 2);
     const double way = octave - static_cast<double>(band);
     constexpr double shortest = 0.7; // of the highest band's decay, far above it
     return std::max(std::lerp(room.t60[band], room.t60[band + 1], way), shortest * room.t60.back());

@@ -1,15 +1,14 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "data/RoomMeasures.h"
+
 #include <array>
 #include <cstddef>
 #include <span>
 #include <string_view>
 
 namespace orvane::kestrum::tools {
-
-/// Octave bands in which a room's decay is told.
-inline constexpr std::array<double, 7> decayBandsHz{125, 250, 500, 1000, 2000, 4000, 8000};
 
 /// A sound that comes back once, long after the room's first reflections: a far stand, a far wall.
 struct LateSlap {
@@ -28,7 +27,8 @@ struct RoomDescription {
     double mixingMs = 0; ///< From here on there are no single reflections any more.
     double earlyDb =
         0; ///< More at the first reflection than the decay says, going to nothing by the mixing time.
-    std::array<double, 7> t60{};       ///< Seconds, per band of decayBandsHz, as heard in the room's Scene.
+    std::array<double, roomOctavesHz.size()>
+        t60{};                         ///< Seconds, per band of roomOctavesHz, as heard in the room's Scene.
     double brightnessDbPerOctave = 0;  ///< Slope of the spectrum at the start, about 1 kHz.
     double boomDb = 0;                 ///< More below 150 Hz.
     std::span<const LateSlap> slaps{}; ///< None in a closed room.

@@ -43,15 +43,4 @@ std::array<BandWindow, thirdOctaveCount> thirdOctaves(std::size_t binCount, doub
     return bands;
 }
 
-BandWindow octaveWindow(double centreHz, std::size_t binCount, double sampleRate) {
-    const double binWidthHz = sampleRate / 2 / static_cast<double>(binCount - 1);
-    BandWindow window{centreHz, 1, {}};
-    for (std::size_t bin = 1; bin < binCount; ++bin) {
-        const double ratio = binWidthHz * static_cast<double>(bin) / centreHz;
-        const double detuning = std::numbers::sqrt2 * (ratio - 1 / ratio); // 1 at the band's edges
-        window.gains.push_back(1 / std::sqrt(1 + std::pow(detuning, 6)));
-    }
-    return window;
-}
-
 } // namespace orvane::kestrum::tools

@@ -24,8 +24,4 @@ inline constexpr std::size_t thirdOctaveCount = 23;
 /// frequency. The windows of all bands add up to 1 in every bin, so the parts add up to the whole.
 std::array<BandWindow, thirdOctaveCount> thirdOctaves(std::size_t binCount, double sampleRate);
 
-/// The magnitudes of an octave filter of the sixth order (Butterworth), for looking at a response as it is usually
-/// measured; nothing at 0 Hz.
-BandWindow octaveWindow(double centreHz, std::size_t binCount, double sampleRate);
-
 } // namespace orvane::kestrum::tools
