@@ -54,7 +54,7 @@ std::string helpOf(const std::string& command) {
 
 TEST(Documentation, ShowsTheHelpOfTheDataCommands) {
     const std::string page = contentOf(std::filesystem::path(KESTRUM_DOCS) / "tools" / "kestrum-data.md");
-    for (const std::string command : {"hrir", "reverb", "check", "decay-table"}) {
+    for (const std::string command : {"hrir", "reverb", "check", "decay-table", "report"}) {
         const std::string help = helpOf(command);
         ASSERT_THAT(help, HasSubstr("Usage: kestrum data " + command));
         EXPECT_THAT(page, HasSubstr("```text\n" + help + "```"));
@@ -107,6 +107,14 @@ TEST(CheckCommand, NamesEveryMissingFileAndTheRemedy) {
                 AllOf(HasSubstr("refused: "), HasSubstr("7 files missing or not sound"),
                       HasSubstr("kestrum data hrir")));
     EXPECT_THAT(run("data check /none"), HasSubstr("is no folder"));
+}
+
+TEST(ReportCommand, RefusesWhatIsNoFolderOrHoldsNoHead) {
+    const test::TemporaryFolder folder;
+    EXPECT_THAT(run("data report /none " + folder.path.string()),
+                AllOf(HasSubstr("refused: \"/none\" is no folder"), HasSubstr("install-data")));
+    EXPECT_THAT(run("data report " + folder.path.string() + " " + (folder.path / "out").string()),
+                HasSubstr("holds no responses of a head"));
 }
 
 TEST(DecayTableCommand, WritesTheTableOrItsSource) {
