@@ -19,6 +19,7 @@ class IGenericBiquadFilter;
 class IHrir;
 class IInPlaceProcessor;
 class IReloadParameterSet;
+class IReverbFilter;
 class ISpatialProcessor;
 } // namespace orvane
 
@@ -26,6 +27,7 @@ namespace orvane::kestrum::core {
 
 class IParameterMapper;
 class IParameterSet;
+class IReverbParameterView;
 class ISelectorFallback;
 class ISelectorValue;
 class ISliderValue;
@@ -81,6 +83,10 @@ public:
     createBinauralProcessor(double sampleRate, std::uint64_t blockSize, IHrir* hrir,
                             ISpeakerParameterSetView* view,
                             std::unique_ptr<IReloadParameterSet> reloadSet) const = 0;
+
+    virtual std::unique_ptr<ISpatialProcessor>
+    createBinauralReverb(std::uint64_t blockSize, double sampleRate, IReverbParameterView* view,
+                         std::unique_ptr<IReverbFilter> reverbFilter) const = 0;
 
     virtual std::unique_ptr<IGenericBiquadFilter> createLowpassFilter(double sampleRate) const = 0;
     virtual std::unique_ptr<IGenericBiquadFilter> createRumbleFilter(double sampleRate) const = 0;

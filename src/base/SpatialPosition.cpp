@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "base/SpatialPosition.h"
 
+#include "base/Angles.h"
+
 #include <cmath>
 #include <cstring>
 
@@ -8,12 +10,9 @@ namespace orvane {
 
 namespace {
 
-constexpr float pi = 3.1415927f;
 constexpr float halfPi = 1.5707964f;
 constexpr float twoPi = 6.2831855f;
 constexpr float degreesPerRadian = 57.295776f;
-
-float radians(float degrees) noexcept { return degrees / 180.0f * pi; }
 
 } // namespace
 
@@ -23,8 +22,8 @@ SpatialPosition::SpatialPosition(float elevationDegrees, float azimuthDegrees, f
 }
 
 void SpatialPosition::updateCartesian() noexcept {
-    const float a = radians(azimuth);
-    const float e = radians(elevation);
+    const float a = radiansOf(azimuth);
+    const float e = radiansOf(elevation);
     x = std::sin(a) * std::cos(e) * distance;
     y = std::sin(e) * distance;
     z = std::cos(a) * std::cos(e) * distance;

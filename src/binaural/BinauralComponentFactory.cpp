@@ -8,6 +8,12 @@
 #include "engine/fades/CrossFader.h"
 #include "filters/BiquadFilterFactory.h"
 #include "room/DirectFilterRenderer.h"
+#include "room/RealtimeReflectionMechanic.h"
+#include "room/ReflectionMechanic.h"
+#include "room/ReflectionPresetFactory.h"
+#include "room/ReflectionRenderer.h"
+
+#include <utility>
 
 namespace orvane {
 
@@ -15,6 +21,16 @@ std::unique_ptr<IUpdateChecker> BinauralComponentFactory::createUpdateChecker(IS
                                                                               bool watchSource,
                                                                               bool watchRoom) const {
     return std::make_unique<UpdateChecker>(view, watchSource, watchRoom);
+}
+
+std::unique_ptr<IReflectionMechanic>
+BinauralComponentFactory::createRealtimeReflectionMechanic(float sampleRate, std::int32_t roomId) const {
+    return std::make_unique<RealtimeReflectionMechanic>(ReflectionPresetFactory(), sampleRate, roomId);
+}
+
+std::unique_ptr<IReflectionMechanic>
+BinauralComponentFactory::createReflectionMechanic(float sampleRate, std::int32_t roomId) const {
+    return std::make_unique<ReflectionMechanic>(ReflectionPresetFactory(), sampleRate, roomId);
 }
 
 std::unique_ptr<ICrossFader> BinauralComponentFactory::createCrossFader(std::uint64_t channels,
@@ -39,6 +55,15 @@ std::unique_ptr<IInPlaceProcessor>
 BinauralComponentFactory::createDirectFilterRenderer(float sampleRate, ISpatialParameterSetView* view,
                                                      IHrir* hrir, bool simple) const {
     return std::make_unique<DirectFilterRenderer>(sampleRate, view, hrir, simple, *this);
+}
+
+std::unique_ptr<IInPlaceProcessor>
+BinauralComponentFactory::createReflectionRenderer(float sampleRate, std::uint64_t responseLength,
+                                                   bool simple, ISpatialParameterSetView* view, IHrir* hrir,
+                                                   std::unique_ptr<IReflectionMechanic> mechanic) const {
+    BiquadFilterFactory filterFactory;
+    return std::make_unique<ReflectionRenderer>(sampleRate, responseLength, simple, view, hrir,
+                                                std::move(mechanic), &filterFactory);
 }
 
 } // namespace orvane

@@ -10,6 +10,10 @@ class BinauralComponentFactory final : public IBinauralComponentFactory {
 public:
     std::unique_ptr<IUpdateChecker> createUpdateChecker(ISpatialParameterSetView* view, bool watchSource,
                                                         bool watchRoom) const override;
+    std::unique_ptr<IReflectionMechanic> createRealtimeReflectionMechanic(float sampleRate,
+                                                                          std::int32_t roomId) const override;
+    std::unique_ptr<IReflectionMechanic> createReflectionMechanic(float sampleRate,
+                                                                  std::int32_t roomId) const override;
     std::unique_ptr<ICrossFader> createCrossFader(std::uint64_t channels,
                                                   std::uint64_t length) const override;
     std::unique_ptr<IInPlaceProcessor> createOcclusionProcessor(float sampleRate, const float* amount,
@@ -19,6 +23,10 @@ public:
     std::unique_ptr<IInPlaceProcessor> createDirectFilterRenderer(float sampleRate,
                                                                   ISpatialParameterSetView* view, IHrir* hrir,
                                                                   bool simple) const override;
+    std::unique_ptr<IInPlaceProcessor>
+    createReflectionRenderer(float sampleRate, std::uint64_t responseLength, bool simple,
+                             ISpatialParameterSetView* view, IHrir* hrir,
+                             std::unique_ptr<IReflectionMechanic> mechanic) const override;
 };
 
 } // namespace orvane

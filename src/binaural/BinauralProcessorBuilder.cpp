@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "binaural/BinauralProcessorBuilder.h"
 
+#include "room/IReflectionMechanic.h"
+
 #include <algorithm>
 #include <utility>
 
@@ -80,11 +82,8 @@ std::uint64_t BinauralProcessorBuilder::responseLength() const noexcept { return
 std::vector<std::unique_ptr<IInPlaceProcessor>> BinauralProcessorBuilder::createStages() const {
     std::vector<std::unique_ptr<IInPlaceProcessor>> stages;
     stages.push_back(createDirectRenderer());
-    if (reloadSet->reflectionsActive()) {
-        if (std::unique_ptr<IInPlaceProcessor> reflections = createReflectionRenderer();
-            reflections != nullptr)
-            stages.push_back(std::move(reflections));
-    }
+    if (reloadSet->reflectionsActive())
+        stages.push_back(createReflectionRenderer());
     return stages;
 }
 
@@ -102,11 +101,18 @@ std::unique_ptr<IConvolution> BinauralProcessorBuilder::createConvolution() cons
 }
 
 std::unique_ptr<IInPlaceProcessor> BinauralProcessorBuilder::createReflectionRenderer() const {
-    return nullptr;
+    return componentFactory->createReflectionRenderer(sampleRate, length, simpleOutput(), view, hrir,
+                                                      createReflectionMechanic());
 }
 
 std::unique_ptr<IInPlaceProcessor> BinauralProcessorBuilder::createDirectRenderer() const {
     return componentFactory->createDirectFilterRenderer(sampleRate, view, hrir, simpleOutput());
+}
+
+std::unique_ptr<IReflectionMechanic> BinauralProcessorBuilder::createReflectionMechanic() const {
+    const auto room = static_cast<std::int32_t>(reloadSet->roomId());
+    return reloadSet->roomIsDynamic() ? componentFactory->createRealtimeReflectionMechanic(sampleRate, room)
+                                      : componentFactory->createReflectionMechanic(sampleRate, room);
 }
 
 bool BinauralProcessorBuilder::simpleOutput() const {

@@ -42,6 +42,9 @@ protected:
     /// True for the plain two-channel output format, which takes the synthetic responses.
     bool simpleOutput() const;
 
+    /// The model of the room's reflections: with walls of its own, or as designed.
+    std::unique_ptr<IReflectionMechanic> createReflectionMechanic() const;
+
     float sampleRate;
     std::uint64_t blockSize;
     ISpatialParameterSetView* view;

@@ -12,6 +12,8 @@
 
 namespace orvane {
 
+class IReflectionMechanic;
+
 /// Makes the parts of a binaural processor. Stateless: one instance serves every thread.
 ///
 /// Raw pointers are borrowed for the life of what is made. Allocation is the only failure.
@@ -21,6 +23,13 @@ public:
 
     virtual std::unique_ptr<IUpdateChecker> createUpdateChecker(ISpatialParameterSetView* view,
                                                                 bool watchSource, bool watchRoom) const = 0;
+
+    /// Units   sampleRate in hertz.
+    virtual std::unique_ptr<IReflectionMechanic>
+    createRealtimeReflectionMechanic(float sampleRate, std::int32_t roomId) const = 0;
+    virtual std::unique_ptr<IReflectionMechanic> createReflectionMechanic(float sampleRate,
+                                                                          std::int32_t roomId) const = 0;
+
     virtual std::unique_ptr<ICrossFader> createCrossFader(std::uint64_t channels,
                                                           std::uint64_t length) const = 0;
     virtual std::unique_ptr<IInPlaceProcessor> createOcclusionProcessor(float sampleRate, const float* amount,
@@ -32,6 +41,10 @@ public:
     virtual std::unique_ptr<IInPlaceProcessor> createDirectFilterRenderer(float sampleRate,
                                                                           ISpatialParameterSetView* view,
                                                                           IHrir* hrir, bool simple) const = 0;
+    virtual std::unique_ptr<IInPlaceProcessor>
+    createReflectionRenderer(float sampleRate, std::uint64_t responseLength, bool simple,
+                             ISpatialParameterSetView* view, IHrir* hrir,
+                             std::unique_ptr<IReflectionMechanic> mechanic) const = 0;
 };
 
 } // namespace orvane

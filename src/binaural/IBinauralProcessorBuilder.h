@@ -30,7 +30,6 @@ public:
     virtual std::unique_ptr<ICrossFader> createCrossFader() const = 0;
     virtual std::unique_ptr<IConvolution> createConvolution() const = 0;
 
-    /// Null as long as no reflection model is built in.
     virtual std::unique_ptr<IInPlaceProcessor> createReflectionRenderer() const = 0;
     virtual std::unique_ptr<IInPlaceProcessor> createDirectRenderer() const = 0;
 };

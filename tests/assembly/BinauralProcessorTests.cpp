@@ -5,10 +5,12 @@
 #include "binaural/BinauralProcessorBuilder.h"
 #include "binaural/ConvolutionFactory.h"
 #include "binaural/SpeakerBinauralProcessorBuilder.h"
+#include "engine/assembly/ComponentFactory.h"
 #include "parameters/ParameterSet.h"
 #include "parameters/core/ParameterSet.h"
 #include "room/DirectFilterRenderer.h"
 #include "room/SpeakerDirectFilterRenderer.h"
+#include "room/SpeakerReflectionRenderer.h"
 #include "support/RealtimeScope.h"
 #include "support/SphericalHead.h"
 
@@ -54,12 +56,13 @@ INSTANTIATE_TEST_SUITE_P(Rooms, ResponseLength,
                                            ResponseLengthCase{15, false, 24000.0f, 64, 1114},
                                            ResponseLengthCase{24, false, 44100.0f, 2048, 2048}));
 
-/// A loudspeaker as the product builds it, with the parameters open to the test.
+/// A loudspeaker without a room, with the parameters open to the test.
 struct Loudspeaker {
     explicit Loudspeaker(std::uint64_t blockSize, std::uint32_t room = 24, bool watchSource = false,
                          float rate = 44100.0f)
         : block(blockSize) {
         general.setRoomType(static_cast<VirtualAcoustics::Type>(room), false);
+        general.setReflectionsOn(false, false);
         general.setWatchSource(watchSource, false);
         BinauralProcessorBuilder builder(rate, blockSize, &general, general.createReloadParameterSet(),
                                          std::make_unique<BinauralComponentFactory>(),
@@ -154,6 +157,7 @@ TEST(BinauralProcessor, TheLast15SamplesOfAResponseAreRampedDown) {
     } ones;
     ParameterSet general;
     general.setRoomType(static_cast<VirtualAcoustics::Type>(24), false);
+    general.setReflectionsOn(false, false);
     const BinauralProcessorBuilder builder(44100.0f, 64, &general, general.createReloadParameterSet(),
                                            std::make_unique<BinauralComponentFactory>(),
                                            std::make_unique<ConvolutionFactory>(), &ones);
@@ -274,16 +278,18 @@ TEST(SpeakerDirectFilterRenderer, ShapesWithClarityBeforeItScales) {
     EXPECT_EQ(response.channelPointers[0][300], 0.0f);
 }
 
-TEST(SpeakerDirectFilterRenderer, TheSpeakerBuilderMakesIt) {
+TEST(SpeakerBinauralProcessorBuilder, MakesTheLoudspeakersOwnRenderers) {
     kestrum::core::ParameterSet parameters(std::make_unique<ParameterSet>());
     test::SphericalHead store;
+    const kestrum::core::ComponentFactory productFactory;
     const kestrum::core::BinauralProcessorBuilder builder(
         44100.0f, 64, &parameters, parameters.createReloadParameterSet(),
-        std::make_unique<BinauralComponentFactory>(), std::make_unique<ConvolutionFactory>(), &store);
-    const auto renderer = builder.createDirectRenderer();
-    EXPECT_NE(dynamic_cast<kestrum::core::DirectFilterRenderer*>(renderer.get()), nullptr);
+        std::make_unique<BinauralComponentFactory>(), std::make_unique<ConvolutionFactory>(), &store,
+        &productFactory);
     const auto stages = builder.createStages();
-    EXPECT_GE(stages.size(), 1u);
+    ASSERT_EQ(stages.size(), 2u);
+    EXPECT_NE(dynamic_cast<kestrum::core::DirectFilterRenderer*>(stages[0].get()), nullptr);
+    EXPECT_NE(dynamic_cast<kestrum::core::ReflectionRenderer*>(stages[1].get()), nullptr);
 }
 
 } // namespace

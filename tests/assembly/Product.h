@@ -11,6 +11,7 @@
 #include "parameters/core/ISliderValue.h"
 #include "parameters/core/SelectorId.h"
 #include "support/NoTracker.h"
+#include "support/ReverbFiles.h"
 #include "support/SphericalHead.h"
 
 #include <algorithm>
@@ -36,7 +37,9 @@ inline std::vector<float*> channelPointers(Channels& channels) {
 /// Everything of the product but its framework side, wired as the plug-in wires it.
 class Product {
 public:
-    explicit Product(orvane::IHrir* store = nullptr) : hrir(store != nullptr ? store : &ownHead) {
+    /// @param dataDirectory where the reverb files lie; by default a folder of short made-up ones.
+    explicit Product(orvane::IHrir* store = nullptr, const std::string& dataDirectory = reverbFolder())
+        : hrir(store != nullptr ? store : &ownHead) {
         using namespace orvane::kestrum::core;
         layouts = factory.createSupportedLayouts();
         speakerSetup = factory.createSelectorValue(selectorId("2.0 +/-30°"));
@@ -51,8 +54,8 @@ public:
         masterGainMapper = factory.createMasterGainMapper(masterGain.get(), scene.get(), parameterSet.get());
         focusMapper = factory.createFocusMapper(focus.get(), scene.get(), parameterSet.get());
         ambienceMapper = factory.createAmbienceMapper(ambience.get(), scene.get(), parameterSet.get());
-        manager = factory.createEngineManager(speakerSetup.get(), layouts.get(), parameterSet.get(), hrir, "",
-                                              [this] {
+        manager = factory.createEngineManager(speakerSetup.get(), layouts.get(), parameterSet.get(), hrir,
+                                              dataDirectory, [this] {
                                                   updateMappers();
                                                   ++fadesStarted;
                                               });

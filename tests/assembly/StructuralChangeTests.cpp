@@ -2,6 +2,7 @@
 #include "assembly/Product.h"
 #include "engine/assembly/EngineBuilder.h"
 #include "engine/assembly/EngineFactory.h"
+#include "room/ReverbFilterFactory.h"
 #include "support/RealtimeScope.h"
 
 #include <gmock/gmock.h>
@@ -190,7 +191,8 @@ struct EngineConstruction : ::testing::Test {
     std::unique_ptr<orvane::kestrum::core::EngineFactory> engineFactory() {
         return std::make_unique<orvane::kestrum::core::EngineFactory>(
             product.speakerSetup.get(), product.layouts.get(), &product.factory, product.parameterSet.get(),
-            product.hrir, "", std::make_unique<orvane::kestrum::core::EngineBuilder>(), [] {});
+            product.hrir, test::reverbFolder(), std::make_unique<orvane::kestrum::core::EngineBuilder>(),
+            std::make_unique<orvane::ReverbFilterFactory>(), [] {});
     }
     Product product;
 };

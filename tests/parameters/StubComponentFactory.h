@@ -3,6 +3,7 @@
 
 #include "base/IComponentFactory.h"
 #include "parameters/core/SpeakerPropertiesConverter.h"
+#include "room/IReverbFilter.h"
 
 #include <stdexcept>
 
@@ -75,6 +76,12 @@ public:
     createBinauralProcessor(double /*sampleRate*/, std::uint64_t /*blockSize*/, Hrir* /*hrir*/,
                             SpeakerView* /*view*/,
                             Owned<orvane::IReloadParameterSet> /*reloadSet*/) const override {
+        refuse();
+    }
+    Owned<orvane::ISpatialProcessor>
+    createBinauralReverb(std::uint64_t /*blockSize*/, double /*sampleRate*/,
+                         orvane::kestrum::core::IReverbParameterView* /*view*/,
+                         Owned<orvane::IReverbFilter> /*reverbFilter*/) const override {
         refuse();
     }
     Owned<orvane::IGenericBiquadFilter> createLowpassFilter(double /*sampleRate*/) const override {

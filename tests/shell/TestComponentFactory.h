@@ -15,6 +15,7 @@
 #include "parameters/core/ISliderValue.h"
 #include "parameters/core/ISpeakerPropertiesConverter.h"
 #include "parameters/core/IToggleValue.h"
+#include "room/IReverbFilter.h"
 
 #include <functional>
 #include <memory>
@@ -99,6 +100,11 @@ public:
                             core::ISpeakerParameterSetView* view,
                             std::unique_ptr<orvane::IReloadParameterSet> reloadSet) const override {
         return product.createBinauralProcessor(sampleRate, blockSize, hrir, view, std::move(reloadSet));
+    }
+    std::unique_ptr<orvane::ISpatialProcessor>
+    createBinauralReverb(std::uint64_t blockSize, double sampleRate, core::IReverbParameterView* view,
+                         std::unique_ptr<orvane::IReverbFilter> reverbFilter) const override {
+        return product.createBinauralReverb(blockSize, sampleRate, view, std::move(reverbFilter));
     }
     std::unique_ptr<orvane::IGenericBiquadFilter> createLowpassFilter(double sampleRate) const override {
         return product.createLowpassFilter(sampleRate);

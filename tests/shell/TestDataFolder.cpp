@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "TestDataFolder.h"
 
+#include "support/ReverbFiles.h"
+
 #include <cmath>
 #include <cstdint>
 #include <cstdlib>
@@ -82,6 +84,7 @@ void TestDataFolder::fill() const {
     write("OVNdata122.dat", 24000, 70);
     write("OVNdata120.dat", 44100, 128);
     write("OVNdata121.dat", 48000, 139);
+    writeReverbFiles(folder);
 }
 
 const TestDataFolder& TestDataFolder::filled() {

@@ -16,7 +16,7 @@ public:
     TestDataFolder(const TestDataFolder&) = delete;
     TestDataFolder& operator=(const TestDataFolder&) = delete;
 
-    /// Writes the three files for 24000, 44100 and 48000 Hz.
+    /// Writes the head-related and the reverb files for 24000, 44100 and 48000 Hz.
     void fill() const;
 
     std::string path() const { return folder.string(); }

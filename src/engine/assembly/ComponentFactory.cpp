@@ -33,6 +33,9 @@
 #include "parameters/core/SupportedLayouts.h"
 #include "parameters/core/ToggleValue.h"
 #include "parameters/zmtl/HardValue.h"
+#include "room/BinauralReverb.h"
+#include "room/ReverbFilterFactory.h"
+#include "room/SpeakerBinauralReverbBuilder.h"
 #include "tracking/HeadRotationSupported.h"
 
 #include <atomic>
@@ -98,9 +101,10 @@ std::unique_ptr<IParameterMapper> ComponentFactory::createAmbienceMapper(ISlider
 std::unique_ptr<IEngineManager> ComponentFactory::createEngineManager(
     ISelectorValue* speakerSetup, ISupportedLayouts* supportedLayouts, IParameterSet* parameterSet,
     IHrir* hrir, const std::string& dataDirectory, std::function<void()> reloadFinished) const {
-    auto engineFactory = std::make_unique<EngineFactory>(
-        speakerSetup, supportedLayouts, this, parameterSet, hrir, dataDirectory,
-        std::make_unique<EngineBuilder>(), std::move(reloadFinished));
+    auto engineFactory =
+        std::make_unique<EngineFactory>(speakerSetup, supportedLayouts, this, parameterSet, hrir,
+                                        dataDirectory, std::make_unique<EngineBuilder>(),
+                                        std::make_unique<ReverbFilterFactory>(), std::move(reloadFinished));
     return std::make_unique<EngineManager>(std::move(engineFactory), parameterSet);
 }
 
@@ -123,8 +127,18 @@ ComponentFactory::createBinauralProcessor(double sampleRate, std::uint64_t block
     const bool hardSwitch = reloadSet->watchSource();
     const BinauralProcessorBuilder builder(static_cast<float>(sampleRate), blockSize, view,
                                            std::move(reloadSet), std::make_unique<BinauralComponentFactory>(),
-                                           std::make_unique<ConvolutionFactory>(), hrir);
+                                           std::make_unique<ConvolutionFactory>(), hrir, this);
     return std::make_unique<BinauralProcessor>(blockSize, hardSwitch, view, builder);
+}
+
+std::unique_ptr<ISpatialProcessor>
+ComponentFactory::createBinauralReverb(std::uint64_t blockSize, double sampleRate, IReverbParameterView* view,
+                                       std::unique_ptr<IReverbFilter> reverbFilter) const {
+    const BinauralReverbBuilder builder(sampleRate, blockSize, reverbFilter->partitionCount(),
+                                        reverbFilter->bandLimitFactor(), view, this,
+                                        std::make_unique<ConvolutionFactory>());
+    return std::make_unique<BinauralReverb>(blockSize, view, std::move(reverbFilter), builder,
+                                            reverbDistanceLaw);
 }
 
 std::unique_ptr<IGenericBiquadFilter> ComponentFactory::createLowpassFilter(double sampleRate) const {

@@ -46,6 +46,10 @@ public:
                             ISpeakerParameterSetView* view,
                             std::unique_ptr<IReloadParameterSet> reloadSet) const override;
 
+    std::unique_ptr<ISpatialProcessor>
+    createBinauralReverb(std::uint64_t blockSize, double sampleRate, IReverbParameterView* view,
+                         std::unique_ptr<IReverbFilter> reverbFilter) const override;
+
     std::unique_ptr<IGenericBiquadFilter> createLowpassFilter(double sampleRate) const override;
     std::unique_ptr<IGenericBiquadFilter> createRumbleFilter(double sampleRate) const override;
     std::unique_ptr<ISpeakerPropertiesConverter>

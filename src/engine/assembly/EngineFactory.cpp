@@ -7,7 +7,7 @@
 #include "parameters/core/GainCompensation.h"
 #include "parameters/core/ISelectorValue.h"
 #include "parameters/zmtl/Sleep.h"
-#include "room/SilentReverbProcessor.h"
+#include "room/ReverbProcessor.h"
 
 #include <condition_variable>
 #include <utility>
@@ -24,6 +24,7 @@ EngineFactory::EngineFactory(ISelectorValue* speakerSetup, ISupportedLayouts* su
                              const IComponentFactory* componentFactory, IParameterSet* parameterSet,
                              IHrir* hrir, std::string dataDirectory,
                              std::unique_ptr<IEngineBuilder> engineBuilder,
+                             std::unique_ptr<IReverbFilterFactory> reverbFilterFactory,
                              std::function<void()> reloadFinished)
     : speakerSetupValue(speakerSetup),
       supportedLayouts(supportedLayouts),
@@ -32,10 +33,12 @@ EngineFactory::EngineFactory(ISelectorValue* speakerSetup, ISupportedLayouts* su
       hrir(hrir),
       dataDirectory(std::move(dataDirectory)),
       engineBuilder(std::move(engineBuilder)),
+      reverbFilterFactory(std::move(reverbFilterFactory)),
       reloadFinished(std::move(reloadFinished)) {}
 
 std::unique_ptr<orvane::IEngine> EngineFactory::createEngine(std::uint64_t blockSize, double sampleRate) {
-    auto reverb = std::make_unique<SilentReverbProcessor>();
+    auto reverb = std::make_unique<ReverbProcessor>(sampleRate, blockSize, *reverbFilterFactory,
+                                                    *componentFactory, parameterSet, dataDirectory);
     const ISupportedLayouts::Properties properties = supportedLayouts->get(speakerSetupValue->getValue());
     auto inputFade = std::make_unique<Fade>(
         fadeMilliseconds, static_cast<float>(static_cast<std::int32_t>(sampleRate)), 0.0f, 1.0f);

@@ -6,6 +6,7 @@
 #include "engine/IEngineBuilder.h"
 #include "engine/IEngineFactory.h"
 #include "parameters/core/IParameterSet.h"
+#include "room/IReverbFilterFactory.h"
 
 #include <cstdint>
 #include <functional>
@@ -25,6 +26,7 @@ public:
     EngineFactory(ISelectorValue* speakerSetup, ISupportedLayouts* supportedLayouts,
                   const IComponentFactory* componentFactory, IParameterSet* parameterSet, IHrir* hrir,
                   std::string dataDirectory, std::unique_ptr<IEngineBuilder> engineBuilder,
+                  std::unique_ptr<IReverbFilterFactory> reverbFilterFactory,
                   std::function<void()> reloadFinished);
 
     std::unique_ptr<orvane::IEngine> createEngine(std::uint64_t blockSize, double sampleRate) override;
@@ -40,6 +42,7 @@ private:
     IHrir* hrir;
     std::string dataDirectory; ///< Where a room's late reverb is read from.
     std::unique_ptr<IEngineBuilder> engineBuilder;
+    std::unique_ptr<IReverbFilterFactory> reverbFilterFactory;
     std::function<void()> reloadFinished;
 };
 
