@@ -65,8 +65,8 @@ private:
         oldOutput; ///< [max(2, old speakers)][blockSize]; the release task's once phase has reached 1.
     std::unique_ptr<IEngine> newEngine;
     IParameterFreeze* newParameters; ///< The new engine's; null when it has none.
-    std::uint64_t framesToNewSound; ///< What is left of the new engine's latency.
-    float step;               ///< Increment of `phase` per sample.
+    std::uint64_t framesToNewSound;  ///< What is left of the new engine's latency.
+    float step;                      ///< Increment of `phase` per sample.
     std::atomic<float> phase; ///< Gain of the new engine; starts at `step`, so no sample is wholly old.
     std::atomic<FadeState> fadeState{FadeState::waiting};
     std::unique_ptr<zmtl::ISleep> sleep;

@@ -3,6 +3,7 @@
 
 #include "base/IEngine.h"
 #include "base/SampleBuffer.h"
+#include "engine/Engine.h"
 #include "engine/IParameterFreeze.h"
 #include "parameters/core/EngineParameterView.h"
 
@@ -20,13 +21,15 @@ class EngineWithView final : public orvane::IEngine, public IParameterFreeze {
 public:
     /// @param view, engine never null; the engine's parts borrow the view.
     /// @param beforeFirstBlock may be empty; runs once, on the audio thread.
-    EngineWithView(std::unique_ptr<EngineParameterView> view, std::unique_ptr<orvane::IEngine> engine,
+    EngineWithView(std::unique_ptr<EngineParameterView> view, std::unique_ptr<Engine> engine,
                    std::function<void()> beforeFirstBlock) noexcept
         : view(std::move(view)), engine(std::move(engine)), beforeFirstBlock(std::move(beforeFirstBlock)) {}
 
     void process(const SampleBuffer& input, SampleBuffer& output) ORVANE_REALTIME override {
-        if (!std::exchange(started, true) && beforeFirstBlock)
+        if (!std::exchange(started, true) && beforeFirstBlock) {
             beforeFirstBlock();
+            engine->settleOutputGain();
+        }
         engine->process(input, output);
     }
     std::uint64_t speakerCount() const noexcept override { return engine->speakerCount(); }
@@ -34,7 +37,7 @@ public:
 
 private:
     std::unique_ptr<EngineParameterView> view; ///< Borrowed by the engine, so it dies after it.
-    std::unique_ptr<orvane::IEngine> engine;
+    std::unique_ptr<Engine> engine;
     std::function<void()> beforeFirstBlock;
     bool started = false;
 };

@@ -28,31 +28,75 @@ public:
 
     float getAzimuth() const noexcept override { return frozen ? values.azimuth : live->getAzimuth(); }
     float getElevation() const noexcept override { return frozen ? values.elevation : live->getElevation(); }
-    float getDirectGainDb() const noexcept override { return frozen ? values.directGainDb : live->getDirectGainDb(); }
-    float getSpatialValue4() const noexcept override { return frozen ? values.spatialValue4 : live->getSpatialValue4(); }
-    float getAttenuationValue() const noexcept override { return frozen ? values.attenuationValue : live->getAttenuationValue(); }
-    float getReflectionLowPassFrequency() const noexcept override { return frozen ? values.reflectionLowPassFrequency : live->getReflectionLowPassFrequency(); }
-    float getDistanceLevel() const noexcept override { return frozen ? values.distanceLevel : live->getDistanceLevel(); }
+    float getDirectGainDb() const noexcept override {
+        return frozen ? values.directGainDb : live->getDirectGainDb();
+    }
+    float getSpatialValue4() const noexcept override {
+        return frozen ? values.spatialValue4 : live->getSpatialValue4();
+    }
+    float getAttenuationValue() const noexcept override {
+        return frozen ? values.attenuationValue : live->getAttenuationValue();
+    }
+    float getReflectionLowPassFrequency() const noexcept override {
+        return frozen ? values.reflectionLowPassFrequency : live->getReflectionLowPassFrequency();
+    }
+    float getDistanceLevel() const noexcept override {
+        return frozen ? values.distanceLevel : live->getDistanceLevel();
+    }
     float getFarFade() const noexcept override { return frozen ? values.farFade : live->getFarFade(); }
-    float getAttenuationDb() const noexcept override { return frozen ? values.attenuationDb : live->getAttenuationDb(); }
-    float getAzimuthExponent() const noexcept override { return frozen ? values.azimuthExponent : live->getAzimuthExponent(); }
-    float getFloorLevelDb() const noexcept override { return frozen ? values.floorLevelDb : live->getFloorLevelDb(); }
+    float getAttenuationDb() const noexcept override {
+        return frozen ? values.attenuationDb : live->getAttenuationDb();
+    }
+    float getAzimuthExponent() const noexcept override {
+        return frozen ? values.azimuthExponent : live->getAzimuthExponent();
+    }
+    float getFloorLevelDb() const noexcept override {
+        return frozen ? values.floorLevelDb : live->getFloorLevelDb();
+    }
     float getDistance() const noexcept override { return frozen ? values.distance : live->getDistance(); }
-    float getDistanceScale() const noexcept override { return frozen ? values.distanceScale : live->getDistanceScale(); }
-    float getReflectionGainDb() const noexcept override { return frozen ? values.reflectionGainDb : live->getReflectionGainDb(); }
-    float getCeilingDistance() const noexcept override { return frozen ? values.ceilingDistance : live->getCeilingDistance(); }
-    float getFloorDistance() const noexcept override { return frozen ? values.floorDistance : live->getFloorDistance(); }
-    float getRightDistance() const noexcept override { return frozen ? values.rightDistance : live->getRightDistance(); }
-    float getLeftDistance() const noexcept override { return frozen ? values.leftDistance : live->getLeftDistance(); }
-    float getFrontDistance() const noexcept override { return frozen ? values.frontDistance : live->getFrontDistance(); }
-    float getBackDistance() const noexcept override { return frozen ? values.backDistance : live->getBackDistance(); }
-    float getReflectionHighPassFrequency() const noexcept override { return frozen ? values.reflectionHighPassFrequency : live->getReflectionHighPassFrequency(); }
+    float getDistanceScale() const noexcept override {
+        return frozen ? values.distanceScale : live->getDistanceScale();
+    }
+    float getReflectionGainDb() const noexcept override {
+        return frozen ? values.reflectionGainDb : live->getReflectionGainDb();
+    }
+    float getCeilingDistance() const noexcept override {
+        return frozen ? values.ceilingDistance : live->getCeilingDistance();
+    }
+    float getFloorDistance() const noexcept override {
+        return frozen ? values.floorDistance : live->getFloorDistance();
+    }
+    float getRightDistance() const noexcept override {
+        return frozen ? values.rightDistance : live->getRightDistance();
+    }
+    float getLeftDistance() const noexcept override {
+        return frozen ? values.leftDistance : live->getLeftDistance();
+    }
+    float getFrontDistance() const noexcept override {
+        return frozen ? values.frontDistance : live->getFrontDistance();
+    }
+    float getBackDistance() const noexcept override {
+        return frozen ? values.backDistance : live->getBackDistance();
+    }
+    float getReflectionHighPassFrequency() const noexcept override {
+        return frozen ? values.reflectionHighPassFrequency : live->getReflectionHighPassFrequency();
+    }
     float getClarity() const noexcept override { return frozen ? values.clarity : live->getClarity(); }
-    float getReverbGainDb() const noexcept override { return frozen ? values.reverbGainDb : live->getReverbGainDb(); }
-    float getReverbLowPassFrequency() const noexcept override { return frozen ? values.reverbLowPassFrequency : live->getReverbLowPassFrequency(); }
-    float getReverbDecayPercent() const noexcept override { return frozen ? values.reverbDecayPercent : live->getReverbDecayPercent(); }
-    float getReverbHighPassFrequency() const noexcept override { return frozen ? values.reverbHighPassFrequency : live->getReverbHighPassFrequency(); }
-    float getOutputGainDb() const noexcept override { return frozen ? values.outputGainDb : live->getOutputGainDb(); }
+    float getReverbGainDb() const noexcept override {
+        return frozen ? values.reverbGainDb : live->getReverbGainDb();
+    }
+    float getReverbLowPassFrequency() const noexcept override {
+        return frozen ? values.reverbLowPassFrequency : live->getReverbLowPassFrequency();
+    }
+    float getReverbDecayPercent() const noexcept override {
+        return frozen ? values.reverbDecayPercent : live->getReverbDecayPercent();
+    }
+    float getReverbHighPassFrequency() const noexcept override {
+        return frozen ? values.reverbHighPassFrequency : live->getReverbHighPassFrequency();
+    }
+    float getOutputGainDb() const noexcept override {
+        return frozen ? values.outputGainDb : live->getOutputGainDb();
+    }
 
     void setReflectionHighPassFrequency(float hertz, bool notify) override {
         live->setReflectionHighPassFrequency(hertz, notify);
