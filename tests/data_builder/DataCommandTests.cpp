@@ -54,7 +54,7 @@ std::string helpOf(const std::string& command) {
 
 TEST(Documentation, ShowsTheHelpOfTheDataCommands) {
     const std::string page = contentOf(std::filesystem::path(KESTRUM_DOCS) / "tools" / "kestrum-data.md");
-    for (const std::string command : {"hrir", "check"}) {
+    for (const std::string command : {"hrir", "check", "decay-table"}) {
         const std::string help = helpOf(command);
         ASSERT_THAT(help, HasSubstr("Usage: kestrum data " + command));
         EXPECT_THAT(page, HasSubstr("```text\n" + help + "```"));
@@ -89,6 +89,21 @@ TEST(CheckCommand, NamesEveryMissingFileAndTheRemedy) {
                 AllOf(HasSubstr("refused: "), HasSubstr("3 files missing or not sound"),
                       HasSubstr("kestrum data hrir")));
     EXPECT_THAT(run("data check /none"), HasSubstr("is no folder"));
+}
+
+TEST(DecayTableCommand, WritesTheTableOrItsSource) {
+    const test::TemporaryFolder folder;
+    const std::string table = (folder.path / "table").string();
+    const std::string source = (folder.path / "source").string();
+    EXPECT_THAT(run("data decay-table " + table), HasSubstr("Wrote 100 decay curves of 100 gains"));
+    EXPECT_EQ(std::filesystem::file_size(table), 40000u);
+    run("data decay-table --source " + source);
+    EXPECT_THAT(contentOf(source), HasSubstr("// row 99\n"));
+}
+
+TEST(DecayTableCommand, RefusesAPlaceThatCannotBeWritten) {
+    EXPECT_THAT(run("data decay-table /proc/none"),
+                HasSubstr("refused: \"/proc/none\" cannot be written: give a file"));
 }
 
 /// Known: the digest of the three letters "abc", from FIPS 180-4.

@@ -3,6 +3,7 @@
 
 #include "data/About.h"
 #include "data/DataError.h"
+#include "data/DecayTableCommand.h"
 #include "data/FolderCheck.h"
 #include "data/HrirBuilder.h"
 #include "data/Report.h"
@@ -147,6 +148,7 @@ void addDataCommands(CLI::App& program, std::ostream& out) {
     data->require_subcommand(1);
     addHrirCommand(*data, out);
     addCheckCommand(*data, out);
+    addDecayTableCommand(*data, out);
 }
 
 void addDataCommands(CLI::App& program) { addDataCommands(program, std::cout); }

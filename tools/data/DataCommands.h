@@ -21,7 +21,7 @@ struct HrirRequest {
     bool aboutOnly = false;       ///< Only say what the set would be made of.
 };
 
-/// Adds "data" with its two commands to a program. Parsing a command line that names one of them runs it.
+/// Adds "data" with its commands to a program. Parsing a command line that names one of them runs it.
 /// @throws DataError out of the parse when the work is refused or a check fails.
 void addDataCommands(CLI::App& program, std::ostream& out);
 void addDataCommands(CLI::App& program); ///< Speaks on the standard output.
