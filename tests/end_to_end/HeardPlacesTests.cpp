@@ -1,12 +1,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // The product as its user meets it: the built program, the built bundle, the installed data folder, a file
 // in, a file out. The reference is the HRIR set itself, convolved directly in double precision.
+#include "RenderedFile.h"
+
 #include "base/SampleBuffer.h"
 #include "data/TenmarshHrir.h"
 #include "data/TenmarshHrirReader.h"
 
 #include <gtest/gtest.h>
-#include <sndfile.h>
 
 #include <algorithm>
 #include <array>
@@ -27,60 +28,16 @@
 
 namespace {
 
-using Signal = std::vector<double>;
-using Channels = std::vector<Signal>;
+using test::Channels;
+using test::kestrum;
+using test::readSound;
+using test::scratch;
+using test::Signal;
+using test::Sound;
+using test::writeSound;
 namespace fs = std::filesystem;
 
 constexpr const char* dataDirectory = "/opt/Tenmarsh/OrvaneVSTPlugin/data";
-
-struct Sound {
-    int sampleRate = 0;
-    Channels channels;
-};
-
-Sound readSound(const fs::path& path) {
-    SF_INFO info{};
-    SNDFILE* const file = sf_open(path.c_str(), SFM_READ, &info);
-    if (file == nullptr)
-        throw std::runtime_error("cannot read " + path.string());
-    std::vector<double> interleaved(static_cast<std::size_t>(info.frames * info.channels));
-    sf_readf_double(file, interleaved.data(), info.frames);
-    sf_close(file);
-    const auto count = static_cast<std::size_t>(info.channels);
-    Sound sound{info.samplerate, Channels(count, Signal(static_cast<std::size_t>(info.frames)))};
-    for (std::size_t index = 0; index < interleaved.size(); ++index)
-        sound.channels[index % count][index / count] = interleaved[index];
-    return sound;
-}
-
-void writeSound(const fs::path& path, const Sound& sound) {
-    SF_INFO info{};
-    info.samplerate = sound.sampleRate;
-    info.channels = static_cast<int>(sound.channels.size());
-    info.format = SF_FORMAT_WAV | SF_FORMAT_FLOAT;
-    SNDFILE* const file = sf_open(path.c_str(), SFM_WRITE, &info);
-    if (file == nullptr)
-        throw std::runtime_error("cannot write " + path.string());
-    const std::size_t frames = sound.channels.front().size();
-    std::vector<double> interleaved;
-    for (std::size_t frame = 0; frame < frames; ++frame)
-        for (const Signal& channel : sound.channels)
-            interleaved.push_back(channel[frame]);
-    sf_writef_double(file, interleaved.data(), static_cast<sf_count_t>(frames));
-    sf_close(file);
-}
-
-/// Runs the built program; its messages go to the test's log.
-int kestrum(const std::string& arguments) {
-    const std::string command = "\"" KESTRUM_PROGRAM "\" " + arguments + " --plugin \"" KESTRUM_BUNDLE "\"";
-    return std::system(command.c_str());
-}
-
-fs::path scratch(const std::string& name) {
-    const fs::path folder = fs::temp_directory_path() / "kestrum_end_to_end";
-    fs::create_directories(folder);
-    return folder / name;
-}
 
 Signal convolve(const Signal& signal, const Signal& response) {
     Signal result(signal.size() + response.size() - 1);

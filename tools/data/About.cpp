@@ -2,6 +2,7 @@
 #include "data/About.h"
 
 #include "data/DataError.h"
+#include "data/LateReverb.h"
 
 #include <nettle/sha2.h>
 #include <nlohmann/json.hpp>
@@ -11,6 +12,25 @@
 #include <fstream>
 
 namespace orvane::kestrum::tools {
+
+namespace {
+
+std::string textOf(const nlohmann::ordered_json& about) {
+    return about.dump(4, ' ', false, nlohmann::ordered_json::error_handler_t::replace) + "\n";
+}
+
+/// Not an object where there is no text, or none of this kind.
+nlohmann::ordered_json readAbout(const std::filesystem::path& folder) {
+    std::ifstream stream(folder / aboutFileName);
+    return nlohmann::ordered_json::parse(stream, nullptr, false);
+}
+
+int numberIn(const nlohmann::ordered_json& about, const char* name) {
+    const bool there = about.is_object() && about.contains(name) && about[name].is_number_integer();
+    return there ? about[name].get<int>() : 0;
+}
+
+} // namespace
 
 std::string sha256OfFile(const std::filesystem::path& file) {
     std::ifstream stream(file, std::ios::binary);
@@ -43,7 +63,31 @@ std::string aboutText(const std::filesystem::path& input, const Origin& origin) 
     about["origin"] = origin.title;
     about["licence"] = origin.licence.empty() ? "not stated by the file" : origin.licence;
     about["citation"] = origin.citation.empty() ? "not stated by the file" : origin.citation;
-    return about.dump(4, ' ', false, nlohmann::ordered_json::error_handler_t::replace) + "\n";
+    return textOf(about);
+}
+
+std::string aboutWithReverb(const std::filesystem::path& folder) {
+    nlohmann::ordered_json about = readAbout(folder);
+    if (!about.is_object())
+        throw DataError("\"" + (folder / aboutFileName).string() +
+                        "\" is missing or cannot be read: make the head first with \"kestrum data hrir\".");
+    about["rooms"] = {{"method", reverbMethodNumber}, {"seed", reverbSeed}};
+    return textOf(about);
+}
+
+AboutMethods methodsOf(const std::filesystem::path& folder) {
+    const nlohmann::ordered_json about = readAbout(folder);
+    const bool rooms = about.is_object() && about.contains("rooms");
+    return {numberIn(about, "method"), rooms ? numberIn(about["rooms"], "method") : 0};
+}
+
+void writeAbout(const std::string& text, const std::filesystem::path& folder) {
+    std::ofstream stream(folder / aboutFileName, std::ios::binary);
+    stream << text;
+    stream.close();
+    if (!stream)
+        throw DataError("\"" + (folder / aboutFileName).string() +
+                        "\" cannot be written: give a folder that you may write to.");
 }
 
 } // namespace orvane::kestrum::tools

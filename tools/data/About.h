@@ -11,12 +11,29 @@ namespace orvane::kestrum::tools {
 /// Raised whenever the same input would give other files, so that installed sets are made anew.
 inline constexpr int methodNumber = 1;
 
+/// The same for the rooms that are made for a set.
+inline constexpr int reverbMethodNumber = 1;
+
 inline constexpr const char* aboutFileName = "about.json";
 
 /// The text that lies beside the files and says where they come from: tool and method, the input's name and
 /// SHA-256, origin, licence and citation. It names no time and no folder: equal texts mean equal files.
 /// @throws DataError when the input cannot be read.
 std::string aboutText(const std::filesystem::path& input, const Origin& origin);
+
+/// The text that lies in a folder of responses, with what the rooms beside them are made by: method and seed.
+/// @throws DataError when the folder has no such text, or none that can be read.
+std::string aboutWithReverb(const std::filesystem::path& folder);
+
+/// The methods that a folder's text names; 0 for one that it does not.
+struct AboutMethods {
+    int responses = 0;
+    int rooms = 0;
+};
+AboutMethods methodsOf(const std::filesystem::path& folder);
+
+/// @throws DataError when the folder cannot be written.
+void writeAbout(const std::string& text, const std::filesystem::path& folder);
 
 /// SHA-256 of a file's bytes, in lower-case hexadecimal.
 /// @throws DataError when the file cannot be read.

@@ -7,6 +7,8 @@
 #include "data/FolderCheck.h"
 #include "data/HrirBuilder.h"
 #include "data/Report.h"
+#include "data/ReportCommand.h"
+#include "data/ReverbCommand.h"
 #include "data/SofaReader.h"
 
 #include <CLI/CLI.hpp>
@@ -28,15 +30,6 @@ void makeFolder(const std::filesystem::path& folder) {
     if (!std::filesystem::is_directory(folder))
         throw DataError("The folder \"" + folder.string() +
                         "\" cannot be made: give one that you may write to.");
-}
-
-void writeAbout(const std::string& text, const std::filesystem::path& folder) {
-    std::ofstream stream(folder / aboutFileName, std::ios::binary);
-    stream << text;
-    stream.close();
-    if (!stream)
-        throw DataError("\"" + (folder / aboutFileName).string() +
-                        "\" cannot be written: give a folder that you may write to.");
 }
 
 void tellSource(const MeasuredSet& measured, std::ostream& out) {
@@ -104,8 +97,8 @@ void runCheck(const std::filesystem::path& folder, std::ostream& out) {
     for (const FileVerdict& verdict : checkDataFolder(folder)) {
         out << (verdict.sound ? "sound  " : "FAULT  ") << verdict.name << ": " << verdict.finding << ".\n";
         if (!verdict.sound) {
-            ++faults;
-            remedy = verdict.remedy;
+            if (faults++ == 0)
+                remedy = verdict.remedy; // what comes later in the list is made of what comes first
         }
     }
     if (faults > 0)
@@ -149,6 +142,8 @@ void addDataCommands(CLI::App& program, std::ostream& out) {
     addHrirCommand(*data, out);
     addCheckCommand(*data, out);
     addDecayTableCommand(*data, out);
+    addReportCommand(*data, out);
+    addReverbCommand(*data, out);
 }
 
 void addDataCommands(CLI::App& program) { addDataCommands(program, std::cout); }

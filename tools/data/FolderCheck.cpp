@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "data/FolderCheck.h"
 
+#include "data/About.h"
 #include "data/DataError.h"
 #include "data/Figures.h"
 #include "data/ResponseSet.h"
+#include "data/ReverbCalibration.h"
 
 #include <algorithm>
 #include <cmath>
@@ -15,6 +17,8 @@ namespace orvane::kestrum::tools {
 namespace {
 
 constexpr const char* remakeRemedy = "make the set anew with \"kestrum data hrir\" or scripts/install-data.";
+constexpr const char* remakeRoomsRemedy =
+    "make the rooms anew with \"kestrum data reverb\" or scripts/install-data.";
 
 bool silent(const Samples& samples) {
     return std::ranges::all_of(samples, [](double sample) { return sample == 0; });
@@ -62,6 +66,33 @@ double requireSides(const ResponseSet& set) {
     return rightDelay;
 }
 
+/// @return the largest peak of all rooms, in decibels.
+double requireUsableRooms(const ReverbSet& set) {
+    // The other rates' responses are scaled to filter alike, and their peaks fall elsewhere between the samples.
+    constexpr double softerDb = 4;
+    constexpr double louderDb = 7;
+    double largest = -1000;
+    for (const ReverbEntry& entry : set.entries) {
+        const std::string room = "room " + std::to_string(entry.room);
+        double peak = 0;
+        for (const Samples& ear : entry.ears) {
+            if (!std::ranges::all_of(ear, [](double sample) { return std::isfinite(sample); }))
+                throw DataError(room + " holds samples that are no numbers");
+            if (silent(ear))
+                throw DataError(room + " is silent at one ear");
+            for (const double sample : ear)
+                peak = std::max(peak, std::abs(sample));
+        }
+        const double peakDb = 20 * std::log10(peak);
+        const LevelRange range = levelRange(entry.room);
+        if (peakDb < range.from - softerDb || peakDb > range.to + louderDb)
+            throw DataError(room + " has its peak at " + std::to_string(std::lround(peakDb)) +
+                            " dB, where no calibration puts it");
+        largest = std::max(largest, peakDb);
+    }
+    return largest;
+}
+
 } // namespace
 
 FileVerdict checkResponseFile(const ResponseFile& file, const std::filesystem::path& folder) {
@@ -85,13 +116,51 @@ FileVerdict checkResponseFile(const ResponseFile& file, const std::filesystem::p
     return verdict;
 }
 
+FileVerdict checkReverbFile(const ReverbFile& file, const std::filesystem::path& folder) {
+    FileVerdict verdict{std::string(file.name), false, {}, {}};
+    try {
+        const ReverbSet set = readReverbSet(file, folder);
+        const double largest = requireUsableRooms(set);
+        std::ostringstream facts;
+        facts << set.entries.size() << " rooms at " << file.sampleRate << " Hz, the largest peak at "
+              << std::showpos << std::fixed << std::setprecision(1) << largest << " dB";
+        verdict.finding = facts.str();
+        verdict.sound = true;
+    } catch (const DataError& error) {
+        verdict.finding = error.what();
+        verdict.remedy = remakeRoomsRemedy;
+    }
+    return verdict;
+}
+
+FileVerdict checkAbout(const std::filesystem::path& folder) {
+    FileVerdict verdict{aboutFileName, false, {}, remakeRemedy};
+    const AboutMethods methods = methodsOf(folder);
+    if (methods.responses == 0)
+        verdict.finding = "it is missing or does not say how the head was made";
+    else if (methods.responses != methodNumber)
+        verdict.finding = "the head was made by another version of this program";
+    else if (methods.rooms == 0 || methods.rooms != reverbMethodNumber) {
+        verdict.finding = methods.rooms == 0 ? "it does not say how the rooms were made"
+                                             : "the rooms were made by another version of this program";
+        verdict.remedy = remakeRoomsRemedy;
+    } else
+        verdict = {aboutFileName, true, "head and rooms were made by this program's methods", {}};
+    return verdict;
+}
+
 std::vector<FileRule> dataFolderRules() {
     std::vector<FileRule> rules;
-    rules.reserve(responseFiles.size());
+    rules.reserve(responseFiles.size() + reverbFiles.size() + 1);
     for (const ResponseFile& file : responseFiles)
         rules.push_back({std::string(file.name), [&file](const std::filesystem::path& folder) {
                              return checkResponseFile(file, folder);
                          }});
+    for (const ReverbFile& file : reverbFiles)
+        rules.push_back({std::string(file.name), [&file](const std::filesystem::path& folder) {
+                             return checkReverbFile(file, folder);
+                         }});
+    rules.push_back({aboutFileName, checkAbout});
     return rules;
 }
 

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "data/Grid.h"
+#include "data/ReverbFile.h"
 
 #include <filesystem>
 #include <functional>
@@ -33,5 +34,12 @@ std::vector<FileVerdict> checkDataFolder(const std::filesystem::path& folder);
 /// Whether one file of responses can be relied on: there and whole, every sample a finite number, no response
 /// silent, the mean level near 0 dB, and each ear louder and earlier for sources on its own side.
 FileVerdict checkResponseFile(const ResponseFile& file, const std::filesystem::path& folder);
+
+/// Whether one file of rooms can be relied on: there and whole, every start inside, every sample a finite number, no
+/// room silent at an ear, and every peak where the calibration can have put it.
+FileVerdict checkReverbFile(const ReverbFile& file, const std::filesystem::path& folder);
+
+/// Whether the set was made by the methods of this program.
+FileVerdict checkAbout(const std::filesystem::path& folder);
 
 } // namespace orvane::kestrum::tools

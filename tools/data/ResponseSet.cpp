@@ -2,6 +2,7 @@
 #include "data/ResponseSet.h"
 
 #include "data/DataError.h"
+#include "data/WholeFile.h"
 
 #include <bit>
 #include <cstdint>
@@ -20,18 +21,9 @@ constexpr std::uint16_t floatTag = 3;
 constexpr std::uint16_t integerTag = 1;
 constexpr std::uint16_t channelCount = 2;
 
-using Bytes = std::vector<std::uint8_t>;
-
-void put(Bytes& bytes, std::string_view text) { bytes.insert(bytes.end(), text.begin(), text.end()); }
-
-void put16(Bytes& bytes, std::uint16_t value) {
-    bytes.push_back(static_cast<std::uint8_t>(value & 0xffU));
-    bytes.push_back(static_cast<std::uint8_t>(value >> 8U));
-}
-
-void put32(Bytes& bytes, std::uint32_t value) {
-    for (unsigned shift = 0; shift < 32; shift += 8)
-        bytes.push_back(static_cast<std::uint8_t>((value >> shift) & 0xffU));
+void put(Bytes& bytes, std::string_view text) {
+    for (const char letter : text)
+        bytes.push_back(static_cast<std::uint8_t>(letter));
 }
 
 std::uint32_t get(std::span<const std::uint8_t> bytes, std::size_t offset, std::size_t count) {
@@ -109,18 +101,7 @@ void writeResponseSet(const ResponseSet& set, const std::filesystem::path& folde
         for (std::size_t frame = 0; frame < set.file.length; ++frame)
             for (const Samples& ear : response)
                 put32(bytes, std::bit_cast<std::uint32_t>(static_cast<float>(ear[frame])));
-    const std::filesystem::path target = folder / set.file.name;
-    const std::filesystem::path half = target.string() + ".part";
-    std::ofstream stream(half, std::ios::binary);
-    stream.write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
-    stream.close();
-    std::error_code failure;
-    if (stream)
-        std::filesystem::rename(half, target, failure);
-    if (!stream || failure)
-        throw DataError("\"" + target.string() +
-                        "\" cannot be written: give a folder that you may write to, with room "
-                        "for 7 MB.");
+    writeWhole(bytes, folder / set.file.name);
 }
 
 ResponseSet readResponseSet(const ResponseFile& file, const std::filesystem::path& folder) {

@@ -8,24 +8,36 @@
 
 #include <fftw3.h>
 
+#include <mutex>
 #include <numbers>
 
 namespace orvane::kestrum::tools {
 
+namespace {
+
+std::mutex planner; // the library's planner serves one thread at a time
+
+} // namespace
+
 struct RealTransform::Plans {
     explicit Plans(std::size_t size)
-        : signal(size),
+        : locked(planner),
+          signal(size),
           spectrum(size / 2 + 1),
           bins(reinterpret_cast<fftw_complex*>(spectrum.data())),
           toSpectrum(fftw_plan_dft_r2c_1d(static_cast<int>(size), signal.data(), bins, FFTW_ESTIMATE)),
-          toSignal(fftw_plan_dft_c2r_1d(static_cast<int>(size), bins, signal.data(), FFTW_ESTIMATE)) {}
+          toSignal(fftw_plan_dft_c2r_1d(static_cast<int>(size), bins, signal.data(), FFTW_ESTIMATE)) {
+        locked.unlock();
+    }
     ~Plans() {
+        locked.lock();
         fftw_destroy_plan(toSpectrum);
         fftw_destroy_plan(toSignal);
     }
     Plans(const Plans&) = delete;
     Plans& operator=(const Plans&) = delete;
 
+    std::unique_lock<std::mutex> locked; ///< While plans are made and destroyed.
     Samples signal;
     Spectrum spectrum;
     fftw_complex* bins;

@@ -13,8 +13,7 @@ using Spectrum = std::vector<std::complex<double>>; ///< [size / 2 + 1], bins fr
 
 /// Real Fourier transforms of one size in double precision.
 ///
-/// Thread  one thread per object; objects are made and destroyed by one thread at a time (the planner is
-///         shared).
+/// Thread  one thread per object.
 /// Source  FFTW, estimated plans: the same input gives the same bits on every run.
 class RealTransform {
 public:

@@ -1,0 +1,20 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "data/RoomMeasures.h"
+
+#include <cstddef>
+#include <cstdint>
+
+namespace orvane::kestrum::tools {
+
+/// Noise of equal power in every octave from 20 Hz to the Nyquist frequency, root mean square 1. It repeats without
+/// a seam. Equal seeds give equal noise on every machine.
+/// @param length a power of two.
+Samples pinkNoise(std::size_t length, double sampleRate, std::uint32_t seed);
+
+/// Integrated loudness of a stereo signal in LUFS, by ITU-R BS.1770; minus infinity for silence.
+/// @throws DataError when the meter does not work at this rate.
+double integratedLoudness(const EarResponses& signal, double sampleRate);
+
+} // namespace orvane::kestrum::tools

@@ -1,0 +1,178 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "data/ReverbCalibration.h"
+
+#include "data/DataError.h"
+#include "data/Grid.h"
+#include "data/OnAllCores.h"
+#include "data/RoomMeasures.h"
+#include "data/RoomTargets.h"
+#include "data/SceneProbe.h"
+#include "parameters/core/Scene.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+
+namespace orvane::kestrum::tools {
+
+namespace {
+
+/// Energy of a sound that is dry plus a gain times wet.
+struct MixedEnergy {
+    double dry = 0;
+    double both = 0;
+    double wet = 0;
+
+    double at(double gain) const { return dry + gain * (2 * both + gain * wet); }
+};
+
+MixedEnergy mixedEnergy(const EarResponses& dry, const EarResponses& wet, std::size_t from, std::size_t to) {
+    MixedEnergy sum;
+    for (std::size_t ear = 0; ear < dry.size(); ++ear)
+        for (std::size_t frame = from; frame < to; ++frame) {
+            sum.dry += dry[ear][frame] * dry[ear][frame];
+            sum.both += dry[ear][frame] * wet[ear][frame];
+            sum.wet += wet[ear][frame] * wet[ear][frame];
+        }
+    return sum;
+}
+
+double decibels(double energies) { return 10 * std::log10(energies); }
+
+/// A Scene as far as the level of its reverb matters.
+struct RenderedScene {
+    RoomTarget target;
+    int room = 0;
+    double decaySeconds = 0;
+    double direct = 0;
+    MixedEnergy early; ///< Of everything, up to 50 ms behind the direct sound.
+    MixedEnergy late;
+    MixedEnergy rest; ///< Of everything but the direct sound.
+
+    double clarityDb(double gain) const { return decibels(early.at(gain) / late.at(gain)); }
+    double directToRestDb(double gain) const { return decibels(direct / rest.at(gain)); }
+};
+
+RenderedScene renderScene(const RoomTarget& target, const std::filesystem::path& folder) {
+    constexpr double earlySeconds = 0.05;
+    const SceneProbe probe(folder);
+    const double rate = probe.settings().sampleRate;
+    const SceneResponses parts = probe.responses(target.scene);
+    EarResponses dry = parts.direct;
+    for (std::size_t ear = 0; ear < dry.size(); ++ear)
+        std::ranges::transform(dry[ear], parts.reflections[ear], dry[ear].begin(), std::plus<>());
+    const std::size_t end = dry[leftEar].size();
+    const std::size_t split = onsetOf(dry) + static_cast<std::size_t>(earlySeconds * rate);
+    const auto presets = core::Scene::presets();
+    const auto preset = std::ranges::find(presets, target.scene, &core::Scene::Preset::name);
+    return {target,
+            static_cast<int>(preset->roomType),
+            midDecaySeconds(octaveDecayTimes(parts.reverb, rate)),
+            mixedEnergy(parts.direct, parts.reverb, 0, end).dry,
+            mixedEnergy(dry, parts.reverb, 0, split),
+            mixedEnergy(dry, parts.reverb, split, end),
+            mixedEnergy(parts.reflections, parts.reverb, 0, end)};
+}
+
+double gainOf(double levelDb) { return std::pow(10.0, levelDb / 20); }
+
+constexpr double levelStepDb = 0.05;
+
+bool clarityCanBeMet(const RenderedScene& scene) {
+    const LevelRange range = levelRange(scene.room);
+    for (double level = range.from; level <= range.to; level += levelStepDb)
+        if (std::abs(scene.clarityDb(gainOf(level)) - scene.target.clarity50Db) <= clarityToleranceDb)
+            return true;
+    return false;
+}
+
+/// What a level costs: clarity beyond a third of its tolerance by far more than the direct sound's level.
+double costOf(const RenderedScene& scene, double gain, bool clarityCounts) {
+    constexpr double clarityWeight = 100;
+    const double direct = scene.directToRestDb(gain) - scene.target.directToRestDb;
+    const double clarity = std::abs(scene.clarityDb(gain) - scene.target.clarity50Db);
+    const double beyond = clarityCounts ? std::max(0.0, clarity - clarityToleranceDb / 3) : 0.0;
+    return clarityWeight * beyond * beyond + direct * direct;
+}
+
+double bestLevelDb(int room, const std::vector<RenderedScene>& scenes) {
+    const LevelRange range = levelRange(room);
+    std::vector<std::pair<const RenderedScene*, bool>> own;
+    for (const RenderedScene& scene : scenes)
+        if (scene.room == room)
+            own.emplace_back(&scene, clarityCanBeMet(scene));
+    double best = 0;
+    double lowest = std::numeric_limits<double>::infinity();
+    for (double level = range.from; level <= range.to; level += levelStepDb) {
+        double cost = 0;
+        for (const auto& [scene, clarityCounts] : own)
+            cost += costOf(*scene, gainOf(level), clarityCounts);
+        if (cost < lowest) {
+            lowest = cost;
+            best = level;
+        }
+    }
+    return best;
+}
+
+/// The head's file and the rooms' under trial, for as long as it lives.
+class TrialFolder {
+public:
+    TrialFolder(const std::vector<ReverbEntry>& master, const std::filesystem::path& folder)
+        : path(folder / ".trial") {
+        std::error_code failure;
+        std::filesystem::create_directories(path, failure);
+        std::filesystem::copy_file(folder / responseFiles[1].name, path / responseFiles[1].name,
+                                   std::filesystem::copy_options::overwrite_existing, failure);
+        if (failure)
+            throw DataError("\"" + path.string() + "\" cannot be made: give a folder that you may write to.");
+        writeReverbSet({reverbFiles[1], master}, path);
+    }
+    ~TrialFolder() {
+        std::error_code ignored;
+        std::filesystem::remove_all(path, ignored);
+    }
+    TrialFolder(const TrialFolder&) = delete;
+    TrialFolder& operator=(const TrialFolder&) = delete;
+
+    std::filesystem::path path;
+};
+
+} // namespace
+
+LevelRange levelRange(int room) {
+    constexpr int van = 25; // the product plays it 15 dB louder than its like
+    constexpr double either = 6;
+    const double middle = room == van ? -15 : 0;
+    return {middle - either, middle + either};
+}
+
+std::vector<SceneFigures> calibrateLevels(std::vector<ReverbEntry>& master,
+                                          const std::filesystem::path& folder) {
+    const auto targets = roomTargets();
+    std::vector<RenderedScene> scenes(targets.size());
+    {
+        const TrialFolder trial(master, folder);
+        onAllCores(targets.size(),
+                   [&](std::size_t index) { scenes[index] = renderScene(targets[index], trial.path); });
+    }
+    std::vector<SceneFigures> figures;
+    for (const RenderedScene& scene : scenes) {
+        const double level = bestLevelDb(scene.room, scenes);
+        const double gain = gainOf(level);
+        figures.push_back({scene.target.scene, scene.room, level, scene.decaySeconds,
+                           scene.target.decaySeconds, scene.clarityDb(gain), scene.target.clarity50Db,
+                           scene.directToRestDb(gain), scene.target.directToRestDb});
+    }
+    for (ReverbEntry& entry : master) {
+        const auto figure = std::ranges::find(figures, entry.room, &SceneFigures::room);
+        if (figure == figures.end())
+            continue;
+        for (Samples& ear : entry.ears)
+            for (double& sample : ear)
+                sample *= gainOf(figure->levelDb);
+    }
+    return figures;
+}
+
+} // namespace orvane::kestrum::tools

@@ -1,0 +1,81 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "data/ReverbCommand.h"
+
+#include "data/About.h"
+#include "data/DataError.h"
+#include "data/ReverbBuilder.h"
+#include "data/ReverbCalibration.h"
+
+#include <CLI/CLI.hpp>
+
+#include <iomanip>
+#include <memory>
+#include <ostream>
+#include <string>
+
+namespace orvane::kestrum::tools {
+
+namespace {
+
+ResponseSet readHead(const std::filesystem::path& folder) {
+    constexpr const char* remedy = ": make the head first with \"kestrum data hrir --out DIR\".";
+    if (!std::filesystem::is_directory(folder))
+        throw DataError("\"" + folder.string() + "\" is no folder" + remedy);
+    const ResponseFile& file = responseFiles[1];
+    static_assert(responseFiles[1].sampleRate == masterSampleRate);
+    try {
+        return readResponseSet(file, folder);
+    } catch (const DataError& error) {
+        throw DataError("\"" + (folder / file.name).string() + "\" cannot serve, " + error.what() + remedy);
+    }
+}
+
+void tellFigures(const std::vector<SceneFigures>& figures, std::ostream& out) {
+    out << std::fixed;
+    for (const SceneFigures& scene : figures)
+        out << "  " << std::left << std::setw(15) << scene.scene << std::right << std::showpos
+            << std::setprecision(1) << scene.levelDb << std::noshowpos << " dB: T60 " << std::setprecision(2)
+            << scene.decaySeconds << " s (goal " << scene.decayTarget << "), C50 " << std::setprecision(1)
+            << scene.clarity50Db << " dB (goal " << scene.clarity50Target << "), direct to all the rest "
+            << scene.directToRestDb << " dB (goal " << scene.directToRestTarget << ").\n";
+}
+
+} // namespace
+
+void runReverb(const ReverbRequest& request, std::ostream& out) {
+    const std::string about = aboutWithReverb(request.folder);
+    if (request.aboutOnly) {
+        out << about;
+        return;
+    }
+    const DiffuseHead head(readHead(request.folder));
+    std::size_t count = 0;
+    std::vector<ReverbEntry> rooms = synthesiseRooms(head, [&](const RoomDescription& room) {
+        out << "Room " << ++count << " of " << roomDescriptions().size() << ": " << room.name << ".\n"
+            << std::flush;
+    });
+    out << "Levels, by rendering the Scenes:\n" << std::flush;
+    tellFigures(calibrateLevels(rooms, request.folder), out);
+    for (const ReverbFile& file : reverbFiles)
+        writeReverbSet(reverbSetFor(file, rooms), request.folder);
+    writeAbout(about, request.folder);
+    out << "Wrote OVNdata510.dat, OVNdata511.dat and OVNdata512.dat to \"" << request.folder.string()
+        << "\".\n";
+}
+
+void addReverbCommand(CLI::App& data, std::ostream& out) {
+    CLI::App* const command =
+        data.add_subcommand("reverb", "Makes the plug-in's files of reverberant rooms for a head.");
+    const auto request = std::make_shared<ReverbRequest>();
+    command
+        ->add_option("DIR", request->folder,
+                     "Data folder with the head's files; the rooms' are put beside them")
+        ->required()
+        ->type_name("");
+    command->add_flag("--about", request->aboutOnly, "Only print the about.json that the folder would carry");
+    command->footer("Example:\n"
+                    "  kestrum data reverb my-head");
+    command->callback([request, &out] { runReverb(*request, out); });
+}
+
+} // namespace orvane::kestrum::tools

@@ -1,0 +1,26 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <filesystem>
+#include <iosfwd>
+
+namespace CLI {
+class App;
+}
+
+namespace orvane::kestrum::tools {
+
+/// What "kestrum data reverb" was asked for.
+struct ReverbRequest {
+    std::filesystem::path folder; ///< Holds the responses of the head; the rooms are put beside them.
+    bool aboutOnly = false;       ///< Only say what the set would be made of.
+};
+
+/// Adds "reverb", which makes the files of rooms for the head of a data folder.
+void addReverbCommand(CLI::App& data, std::ostream& out);
+
+/// Makes the three files and adds them to the folder's about.json.
+/// @throws DataError with the remedy when the folder lacks the head or cannot be written.
+void runReverb(const ReverbRequest& request, std::ostream& out);
+
+} // namespace orvane::kestrum::tools
