@@ -2,6 +2,7 @@
 #include "data/DataCommands.h"
 #include "data/FolderCheck.h"
 #include "data/MeasuredSet.h"
+#include "data/ResponseSet.h"
 #include "data/ReverbCalibration.h"
 #include "data/ReverbCommand.h"
 #include "data/RoomTargets.h"
