@@ -34,6 +34,7 @@ Engine::Engine(double sampleRate, std::uint64_t blockSize, std::uint64_t channel
       mixBuffer(2, blockSize),
       speakerBuffer(2, blockSize),
       reverbBuffer(2, blockSize),
+      settlingBuffer(2, static_cast<std::uint64_t>(sampleRate / 100.0)),
       inputFifo(channelCount, Ring(2 * blockSize)),
       outputFifo(2, Ring(2 * blockSize)),
       componentFactory(componentFactory),
@@ -58,6 +59,8 @@ void Engine::addLowFrequencyChannel(std::size_t channelIndex) {
     channelFilters.emplace(channelIndex, std::move(filter));
     addSpeaker({SpatialPosition(0, 0, lowFrequencyDistanceMetres)}, channelIndex);
 }
+
+void Engine::settleOutputGain() { outputProcessor->process(settlingBuffer); }
 
 void Engine::process(const SampleBuffer& input, SampleBuffer& output) {
     if (input.numChannels < workBuffer.numChannels) {

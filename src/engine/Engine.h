@@ -62,6 +62,10 @@ public:
     /// m. Building thread only.
     virtual void addLowFrequencyChannel(std::size_t channelIndex);
 
+    /// Lets the output stage take over the present gain at once, while nothing has been heard yet, instead of
+    /// gliding there from the gain of the time of building. Audio thread, before the first block.
+    void settleOutputGain() ORVANE_REALTIME;
+
     /// An input with fewer channels than the layout gives silence and moves nothing.
     void process(const SampleBuffer& input, SampleBuffer& output) ORVANE_REALTIME override;
     std::uint64_t speakerCount() const noexcept override;
@@ -80,6 +84,7 @@ private:
     SampleBuffer mixBuffer;       ///< [2][blockSize], the sum of all sources.
     SampleBuffer speakerBuffer;   ///< [2][blockSize], the output of one spatial processor.
     SampleBuffer reverbBuffer;    ///< [2][blockSize]
+    SampleBuffer settlingBuffer;  ///< [2][10 milliseconds], silence.
     std::vector<Ring> inputFifo;  ///< channelCount rings of 2 * blockSize.
     std::vector<Ring> outputFifo; ///< Two rings of 2 * blockSize, pre-filled with one block of zeros.
     std::map<std::size_t, std::unique_ptr<IGenericBiquadFilter>> channelFilters;

@@ -19,15 +19,25 @@ std::uint64_t outputChannels(const IEngine* engine) noexcept {
     return engine != nullptr ? std::max<std::uint64_t>(2, engine->speakerCount()) : 0;
 }
 
+/// The first `frames` of `output` are the old engine's, and silence where that has delivered nothing.
+void keepOld(SampleBuffer& output, const SampleBuffer& old, std::uint64_t frames) noexcept {
+    SampleBuffer part(output.channelPointers, output.numChannels, frames);
+    part.clear();
+    part.copyFrom(old);
+}
+
 } // namespace
 
 XFadedEngine::XFadedEngine(std::shared_ptr<IEngine> oldEngine, std::unique_ptr<IEngine> newEngine,
                            std::uint64_t blockSize, double sampleRate, float fadeMilliseconds,
                            std::unique_ptr<zmtl::ISleep> sleep, std::function<void()> fadeStarted)
     : oldEngine(std::move(oldEngine)),
+      oldParameters(dynamic_cast<IParameterFreeze*>(this->oldEngine.current().get())),
       oldOutput(outputChannels(this->oldEngine.current().get()),
                 this->oldEngine.current() != nullptr ? blockSize : 0),
       newEngine(std::move(newEngine)),
+      newParameters(dynamic_cast<IParameterFreeze*>(this->newEngine.get())),
+      framesToNewSound(blockSize),
       step(fadeStep(fadeMilliseconds, sampleRate)),
       phase(step),
       sleep(std::move(sleep)),
@@ -67,20 +77,14 @@ void XFadedEngine::process(const SampleBuffer& input, SampleBuffer& output) {
     SampleBuffer old(oldOutput.channelPointers, oldOutput.numChannels,
                      std::min(output.numSamples, oldOutput.numSamples));
     bool mixing = false;
+    std::uint64_t fadeFrom = 0;
     {
         const EngineHandover::Reader reader(oldEngine);
         if (IEngine* const engine = reader.engine(); engine != nullptr) {
-            FadeState expected = FadeState::waiting;
-            if (!fadeState.compare_exchange_strong(expected, FadeState::begun) &&
-                expected == FadeState::held) {
-                engine->process(input, output);
-                return;
-            }
+            if (oldParameters != nullptr)
+                oldParameters->freezeParameters();
             engine->process(input, old); // first: output may be the memory of input
-            if (!fadeStartedCalled) {
-                fadeStartedCalled = true;
-                fadeStarted();
-            }
+            fadeFrom = beginFade(output.numSamples);
             mixing = true;
         } else {
             phase = 1.0f;
@@ -88,12 +92,30 @@ void XFadedEngine::process(const SampleBuffer& input, SampleBuffer& output) {
     }
     newEngine->process(input, output);
     if (mixing)
-        mix(output, old);
+        mix(output, old, fadeFrom);
 }
 
-void XFadedEngine::mix(SampleBuffer& output, SampleBuffer& old) noexcept {
+/// Counts the block, and calls `fadeStarted` when the fade begins in it.
+/// @return the first frame of this block that belongs to the fade.
+std::uint64_t XFadedEngine::beginFade(std::uint64_t blockFrames) {
+    const std::uint64_t waited = std::min(framesToNewSound, blockFrames);
+    framesToNewSound -= waited;
+    if (waited == blockFrames)
+        return blockFrames;
+    FadeState state = FadeState::waiting;
+    if (!fadeState.compare_exchange_strong(state, FadeState::begun) && state == FadeState::held)
+        return blockFrames;
+    if (!fadeStartedCalled) {
+        fadeStartedCalled = true;
+        fadeStarted();
+    }
+    return waited;
+}
+
+void XFadedEngine::mix(SampleBuffer& output, SampleBuffer& old, std::uint64_t fadeFrom) noexcept {
+    keepOld(output, old, fadeFrom);
     float gain = phase;
-    for (std::uint64_t frame = 0; frame < output.numSamples && gain < 1.0f; ++frame) {
+    for (std::uint64_t frame = fadeFrom; frame < output.numSamples && gain < 1.0f; ++frame) {
         for (std::uint64_t channel = 0; channel < output.numChannels; ++channel) {
             float& sample = output.channelPointers[channel][frame];
             sample *= gain;
@@ -117,6 +139,16 @@ std::shared_ptr<IEngine> XFadedEngine::holdFade() noexcept {
     if (phase >= 1.0f || !fadeState.compare_exchange_strong(expected, FadeState::held))
         return nullptr;
     return oldEngine.current();
+}
+
+void XFadedEngine::freezeParameters() noexcept {
+    {
+        const EngineHandover::Reader reader(oldEngine);
+        if (reader.engine() != nullptr && oldParameters != nullptr)
+            oldParameters->freezeParameters();
+    }
+    if (newParameters != nullptr)
+        newParameters->freezeParameters();
 }
 
 void XFadedEngine::resumeFade() noexcept {

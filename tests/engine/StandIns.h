@@ -4,6 +4,7 @@
 #include "base/IEngine.h"
 #include "base/SampleBuffer.h"
 #include "engine/IEngineFactory.h"
+#include "engine/IParameterFreeze.h"
 #include "parameters/zmtl/ISleep.h"
 
 #include <algorithm>
@@ -64,6 +65,28 @@ private:
     float value;
     EngineCensus& census;
     std::uint64_t speakerTotal;
+};
+
+/// Plays a value that somebody else may change, until it is told to stay with what it has.
+class FollowingEngine final : public orvane::IEngine, public orvane::IParameterFreeze {
+public:
+    explicit FollowingEngine(const float& followed) : value(&followed) {}
+
+    void process(const orvane::SampleBuffer& /*input*/, orvane::SampleBuffer& output) override {
+        for (std::uint64_t channel = 0; channel < output.numChannels; ++channel)
+            std::fill_n(output.channelPointers[channel], output.numSamples, *value);
+    }
+    std::uint64_t speakerCount() const noexcept override { return 2; }
+    void freezeParameters() noexcept override {
+        if (value != &kept) {
+            kept = *value;
+            value = &kept;
+        }
+    }
+
+private:
+    const float* value;
+    float kept = 0;
 };
 
 /// A sleep that ends only when it is woken, so that a test decides when the sleeper looks again.

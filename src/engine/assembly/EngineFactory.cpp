@@ -3,6 +3,7 @@
 
 #include "engine/Engine.h"
 #include "engine/XFadedEngine.h"
+#include "engine/assembly/EngineWithView.h"
 #include "engine/fades/Fade.h"
 #include "parameters/core/GainCompensation.h"
 #include "parameters/core/ISelectorValue.h"
@@ -37,21 +38,30 @@ EngineFactory::EngineFactory(ISelectorValue* speakerSetup, ISupportedLayouts* su
       reloadFinished(std::move(reloadFinished)) {}
 
 std::unique_ptr<orvane::IEngine> EngineFactory::createEngine(std::uint64_t blockSize, double sampleRate) {
+    return createEngine(blockSize, sampleRate, nullptr);
+}
+
+std::unique_ptr<orvane::IEngine> EngineFactory::createEngine(std::uint64_t blockSize, double sampleRate,
+                                                             std::function<void()> beforeFirstBlock) {
+    auto view = std::make_unique<EngineParameterView>(parameterSet);
     auto reverb = std::make_unique<ReverbProcessor>(sampleRate, blockSize, *reverbFilterFactory,
-                                                    *componentFactory, parameterSet, dataDirectory);
+                                                    *componentFactory, view.get(), dataDirectory);
     const ISupportedLayouts::Properties properties = supportedLayouts->get(speakerSetupValue->getValue());
     auto inputFade = std::make_unique<Fade>(
         fadeMilliseconds, static_cast<float>(static_cast<std::int32_t>(sampleRate)), 0.0f, 1.0f);
     auto engine = std::make_unique<Engine>(sampleRate, blockSize, properties.channelCount,
-                                           gainCompensationDb(properties), parameterSet, hrir,
-                                           componentFactory, std::move(reverb), std::move(inputFade));
-    return engineBuilder->build(properties, std::move(engine));
+                                           gainCompensationDb(properties), view.get(), hrir, componentFactory,
+                                           std::move(reverb), std::move(inputFade));
+    return std::make_unique<EngineWithView>(
+        std::move(view), engineBuilder->build(properties, std::move(engine)), std::move(beforeFirstBlock));
 }
 
 std::unique_ptr<orvane::IEngine>
 EngineFactory::createCrossfadedEngine(std::shared_ptr<orvane::IEngine> oldEngine, std::uint64_t blockSize,
                                       double sampleRate) {
-    std::unique_ptr<orvane::IEngine> newEngine = createEngine(blockSize, sampleRate);
+    // The crossfade has frozen the old engine's values by the new one's first block. That block is the first
+    // one heard, so it has to have the new Scene's values already, not only those that follow the fade's start.
+    std::unique_ptr<orvane::IEngine> newEngine = createEngine(blockSize, sampleRate, reloadFinished);
     auto sleep = std::make_unique<zmtl::internal::Sleep<std::condition_variable_any>>();
     return std::make_unique<XFadedEngine>(std::move(oldEngine), std::move(newEngine), blockSize, sampleRate,
                                           fadeMilliseconds, std::move(sleep), reloadFinished);

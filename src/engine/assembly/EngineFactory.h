@@ -35,6 +35,9 @@ public:
                                                             double sampleRate) override;
 
 private:
+    std::unique_ptr<orvane::IEngine> createEngine(std::uint64_t blockSize, double sampleRate,
+                                                  std::function<void()> beforeFirstBlock);
+
     ISelectorValue* speakerSetupValue;
     ISupportedLayouts* supportedLayouts;
     const IComponentFactory* componentFactory;
