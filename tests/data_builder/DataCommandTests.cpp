@@ -54,7 +54,7 @@ std::string helpOf(const std::string& command) {
 
 TEST(Documentation, ShowsTheHelpOfTheDataCommands) {
     const std::string page = contentOf(std::filesystem::path(KESTRUM_DOCS) / "tools" / "kestrum-data.md");
-    for (const std::string command : {"hrir", "check", "decay-table"}) {
+    for (const std::string command : {"hrir", "reverb", "check", "decay-table", "report"}) {
         const std::string help = helpOf(command);
         ASSERT_THAT(help, HasSubstr("Usage: kestrum data " + command));
         EXPECT_THAT(page, HasSubstr("```text\n" + help + "```"));
@@ -83,12 +83,38 @@ TEST(HrirCommand, TellsTheOriginWithoutMakingAnything) {
                 AllOf(HasSubstr("MIT_KEMAR_normal_pinna.sofa"), HasSubstr("\"sha256\"")));
 }
 
+TEST(ReverbCommand, RefusesAFolderWithoutAHeadWithTheRemedy) {
+    const test::TemporaryFolder folder;
+    EXPECT_THAT(run("data reverb " + folder.path.string()),
+                AllOf(HasSubstr("refused: "), HasSubstr("about.json"), HasSubstr("kestrum data hrir")));
+    std::ofstream(folder.path / "about.json") << R"({"method": 1})";
+    EXPECT_THAT(run("data reverb " + folder.path.string()),
+                AllOf(HasSubstr("refused: "), HasSubstr("OVNdata121.dat"), HasSubstr("kestrum data hrir")));
+    EXPECT_THAT(run("data reverb /none"), HasSubstr("is no folder"));
+}
+
+TEST(ReverbCommand, TellsWhatASetWouldBeMadeOfWithoutMakingAnything) {
+    const test::TemporaryFolder folder;
+    std::ofstream(folder.path / "about.json") << R"({"method": 1, "origin": "a head"})";
+    EXPECT_THAT(run("data reverb --about " + folder.path.string()),
+                AllOf(HasSubstr("\"a head\""), HasSubstr("\"rooms\""), HasSubstr("\"seed\"")));
+    EXPECT_FALSE(std::filesystem::exists(folder.path / "OVNdata511.dat"));
+}
+
 TEST(CheckCommand, NamesEveryMissingFileAndTheRemedy) {
     const test::TemporaryFolder folder;
     EXPECT_THAT(run("data check " + folder.path.string()),
-                AllOf(HasSubstr("refused: "), HasSubstr("3 files missing or not sound"),
+                AllOf(HasSubstr("refused: "), HasSubstr("7 files missing or not sound"),
                       HasSubstr("kestrum data hrir")));
     EXPECT_THAT(run("data check /none"), HasSubstr("is no folder"));
+}
+
+TEST(ReportCommand, RefusesWhatIsNoFolderOrHoldsNoHead) {
+    const test::TemporaryFolder folder;
+    EXPECT_THAT(run("data report /none " + folder.path.string()),
+                AllOf(HasSubstr("refused: \"/none\" is no folder"), HasSubstr("install-data")));
+    EXPECT_THAT(run("data report " + folder.path.string() + " " + (folder.path / "out").string()),
+                HasSubstr("holds no responses of a head"));
 }
 
 TEST(DecayTableCommand, WritesTheTableOrItsSource) {

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "data/About.h"
 #include "data/DataError.h"
 #include "data/FolderCheck.h"
 #include "data/ResponseSet.h"
@@ -221,12 +222,34 @@ TEST(DataFolders, AreCheckedFileByFile) {
     const test::TemporaryFolder folder;
     writeResponseSet(plausibleSet(responseFiles[0]), folder.path);
     const auto verdicts = checkDataFolder(folder.path);
-    ASSERT_EQ(verdicts.size(), 3u);
+    ASSERT_EQ(verdicts.size(), 7u);
     EXPECT_EQ(verdicts[0].name, "OVNdata120.dat");
     EXPECT_TRUE(verdicts[0].sound);
     EXPECT_FALSE(verdicts[1].sound);
     EXPECT_THAT(verdicts[1].finding, HasSubstr("missing"));
     EXPECT_EQ(verdicts[2].name, "OVNdata122.dat");
+    EXPECT_EQ(verdicts[3].name, "OVNdata510.dat");
+    EXPECT_EQ(verdicts[5].name, "OVNdata512.dat");
+    EXPECT_EQ(verdicts[6].name, "about.json");
+}
+
+/// A set that another version of the program made has to be made anew, head or rooms.
+TEST(DataFolders, SayByWhichMethodsTheyWereMade) {
+    const test::TemporaryFolder folder;
+    EXPECT_THAT(checkAbout(folder.path).finding, HasSubstr("missing"));
+    const auto verdictOf = [&folder](const std::string& text) {
+        writeAbout(text, folder.path);
+        return checkAbout(folder.path);
+    };
+    const std::string head = R"({"method": )" + std::to_string(methodNumber);
+    EXPECT_FALSE(verdictOf("no text of this kind").sound);
+    EXPECT_THAT(verdictOf(R"({"method": 1000000})").remedy, HasSubstr("kestrum data hrir"));
+    EXPECT_THAT(verdictOf(head + "}").finding, HasSubstr("does not say how the rooms were made"));
+    EXPECT_THAT(verdictOf(head + R"(, "rooms": {"method": 1000000}})").finding, HasSubstr("another version"));
+    EXPECT_THAT(verdictOf(head + R"(, "rooms": {"method": 1000000}})").remedy,
+                HasSubstr("kestrum data reverb"));
+    writeAbout(head + "}", folder.path);
+    EXPECT_TRUE(verdictOf(aboutWithReverb(folder.path)).sound);
 }
 
 } // namespace

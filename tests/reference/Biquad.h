@@ -37,16 +37,58 @@ inline Biquad bilinear(const std::array<double, 3>& numerator, const std::array<
 /// Hertz as a fraction of the rate; no filter goes beyond 0.458.
 inline double cutoffAt(double hertz, double sampleRate) { return std::min(hertz / sampleRate, 0.458); }
 
-inline Biquad lowPass(double hertz, double q, double sampleRate) {
+/// How a filter's coefficients are worked out: as exactly as doubles can, or in 32-bit floats as the renderer
+/// keeps them. Near 50 Hz a coefficient's last bit moves the response by a thousandth; a test of what happens
+/// around the filters takes the rounded ones.
+enum class Coefficients { exact, in32Bits };
+
+/// The second-order design by its published formulas in 32-bit floats: pass filters with W = K / q, shelves
+/// with V = 10^(gain / 20), K = tan(pi f).
+struct DesignIn32Bits {
+    float K;
+    explicit DesignIn32Bits(double hertz, double sampleRate)
+        : K(std::tan(std::min(static_cast<float>(hertz) / static_cast<float>(sampleRate), 0.458f) *
+                     3.1415927f)) {}
+
+    Biquad lowPass(double q) const {
+        const float W = K / static_cast<float>(q);
+        const float norm = 1.0f / (W + 1.0f + K * K);
+        return {K * K * norm, 2.0f * K * K * norm, K * K * norm, 2.0f * (K * K - 1.0f) * norm,
+                (1.0f - W + K * K) * norm};
+    }
+    Biquad highPass(double q) const {
+        const float W = K / static_cast<float>(q);
+        const float norm = 1.0f / (W + 1.0f + K * K);
+        return {norm, -2.0f * norm, norm, 2.0f * (K * K - 1.0f) * norm, (1.0f - W + K * K) * norm};
+    }
+    Biquad lowShelfCut(double decibels) const {
+        const float V = std::pow(10.0f, static_cast<float>(decibels) / 20.0f);
+        const float root = std::sqrt(2.0f);
+        const float rootV = std::sqrt(2.0f * V);
+        const float norm = 1.0f / (1.0f + rootV * K + V * K * K);
+        return {(1.0f + root * K + K * K) * norm, 2.0f * (K * K - 1.0f) * norm,
+                (1.0f - root * K + K * K) * norm, 2.0f * (V * K * K - 1.0f) * norm,
+                (1.0f - rootV * K + V * K * K) * norm};
+    }
+};
+
+inline Biquad lowPass(double hertz, double q, double sampleRate, Coefficients kind = Coefficients::exact) {
+    if (kind == Coefficients::in32Bits)
+        return DesignIn32Bits(hertz, sampleRate).lowPass(q);
     return bilinear({1, 0, 0}, {1, 1 / q, 1}, cutoffAt(hertz, sampleRate));
 }
 
-inline Biquad highPass(double hertz, double q, double sampleRate) {
+inline Biquad highPass(double hertz, double q, double sampleRate, Coefficients kind = Coefficients::exact) {
+    if (kind == Coefficients::in32Bits)
+        return DesignIn32Bits(hertz, sampleRate).highPass(q);
     return bilinear({0, 0, 1}, {1, 1 / q, 1}, cutoffAt(hertz, sampleRate));
 }
 
 /// A low shelf that cuts: the depth is in its poles.
-inline Biquad lowShelfCut(double hertz, double decibels, double sampleRate) {
+inline Biquad lowShelfCut(double hertz, double decibels, double sampleRate,
+                          Coefficients kind = Coefficients::exact) {
+    if (kind == Coefficients::in32Bits)
+        return DesignIn32Bits(hertz, sampleRate).lowShelfCut(decibels);
     const double v = std::pow(10.0, decibels / 20.0);
     return bilinear({1, std::sqrt(2.0), 1}, {v, std::sqrt(2.0 * v), 1}, cutoffAt(hertz, sampleRate));
 }

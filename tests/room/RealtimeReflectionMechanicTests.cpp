@@ -70,7 +70,9 @@ class AroundTheRoom
 /// Reference: the table of walls in double precision. Every wall from every place of a grid, each time the first
 /// update of a mechanic, so that the delays are computed.
 TEST_P(AroundTheRoom, EveryWallFollowsItsReference) {
-    const auto [walls, sampleRate, maxDelay] = GetParam();
+    const test::reference::Walls& walls = std::get<0>(GetParam());
+    const float sampleRate = std::get<1>(GetParam());
+    const std::int32_t maxDelay = std::get<2>(GetParam());
     const ReflectionPreset preset = orvane::ReflectionPresetFactory().create(stadium);
     int active = 0;
     int ambiguous = 0;

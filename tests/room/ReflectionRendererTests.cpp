@@ -41,7 +41,7 @@ constexpr std::uint64_t headLength = 128;
 /// Says what the test wants said, whatever the source does.
 class FixedReflections final : public IReflectionMechanic {
 public:
-    explicit FixedReflections(std::vector<Reflection> said) : list(said.size()) {
+    explicit FixedReflections(const std::vector<Reflection>& said) : list(said.size()) {
         for (const Reflection& reflection : said)
             list.push(reflection);
     }
@@ -292,6 +292,7 @@ INSTANTIATE_TEST_SUITE_P(OfTheSystem, BothRenderers, ::testing::Values(Kind::gen
 /// Ten impulses far apart: how many are heard?
 std::vector<Reflection> tenReflections() {
     std::vector<Reflection> said;
+    said.reserve(10);
     for (std::int32_t i = 0; i < 10; ++i)
         said.push_back(reflection(5 * i, 300 * (i + 1), i < 6 ? 0 : 1));
     return said;

@@ -32,8 +32,10 @@ struct RecordingReader final : orvane::IFileReader {
         tableSize = size;
         entry = askedEntry;
         std::vector<float> samples(count);
-        for (std::uint64_t i = 0; i < count; ++i)
-            samples[i] = static_cast<float>(i / 2 + 1) * (i % 2 == 0 ? 1.0f : -1.0f);
+        for (std::uint64_t frame = 0; frame < count / 2; ++frame) {
+            samples[2 * frame] = static_cast<float>(frame + 1);
+            samples[2 * frame + 1] = -samples[2 * frame];
+        }
         return samples;
     }
 

@@ -275,7 +275,8 @@ TEST(ReverbFilter, DrawsTheEntryOfAFileAtFourTimesItsRate) {
     SampleBuffer buffer(2, 214 * 512);
     filter.update(buffer, 100);
     for (std::uint64_t i = 0; i < 4 * 1440; ++i) {
-        const float expected = i % 4 == 0 ? 0.02867f * static_cast<float>(i / 4 + 561) : 0.0f;
+        const std::uint64_t frame = 560 + i / 4;
+        const float expected = i % 4 == 0 ? 0.02867f * static_cast<float>(frame + 1) : 0.0f;
         ASSERT_EQ(buffer.channelPointers[0][i], expected) << i;
         ASSERT_EQ(buffer.channelPointers[1][i], -expected) << i;
     }

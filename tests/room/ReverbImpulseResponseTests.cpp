@@ -82,7 +82,8 @@ TEST(ReverbImpulseResponse, AHigherRateSpreadsTheFramesWithZerosBetween) {
     SampleBuffer buffer(2, 4 * 4096);
     loaded.response.copyTo(buffer);
     for (std::uint64_t i = 0; i < 4 * 4096; ++i) {
-        const float expected = i % 4 == 0 ? 0.037648f * static_cast<float>(i / 4 + 1) : 0.0f;
+        const std::uint64_t frame = i / 4;
+        const float expected = i % 4 == 0 ? 0.037648f * static_cast<float>(frame + 1) : 0.0f;
         ASSERT_EQ(buffer.channelPointers[0][i], expected) << i;
         ASSERT_EQ(buffer.channelPointers[1][i], -expected) << i;
     }

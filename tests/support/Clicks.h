@@ -48,11 +48,21 @@ struct Stretch {
     std::size_t to = 0;
 };
 
+/// The greatest mean of so many values in a row.
+inline double loudestMean(std::span<const double> powers, std::size_t window) {
+    double loudest = 0;
+    double sum = 0;
+    for (std::size_t index = 0; index < powers.size(); ++index) {
+        sum += powers[index] - (index >= window ? powers[index - window] : 0.0);
+        loudest = std::max(loudest, sum / static_cast<double>(window));
+    }
+    return loudest;
+}
+
 /// What a stretch of a signal holds above 4 kHz in its loudest 2 ms, as mean power.
 inline double loudestHighPower(std::span<const float> signal, Stretch stretch, double sampleRate) {
     const std::vector<double> taps = aboveFourKilohertz(sampleRate);
     const std::size_t half = taps.size() / 2;
-    const auto window = static_cast<std::size_t>(0.002 * sampleRate);
     std::vector<double> powers;
     for (std::size_t frame = stretch.from; frame < stretch.to; ++frame) {
         double sum = 0;
@@ -61,13 +71,17 @@ inline double loudestHighPower(std::span<const float> signal, Stretch stretch, d
                 sum += taps[tap] * static_cast<double>(signal[frame + tap - half]);
         powers.push_back(sum * sum);
     }
-    double loudest = 0;
-    double sum = 0;
-    for (std::size_t frame = 0; frame < powers.size(); ++frame) {
-        sum += powers[frame] - (frame >= window ? powers[frame - window] : 0.0);
-        loudest = std::max(loudest, sum / static_cast<double>(window));
-    }
-    return loudest;
+    return loudestMean(powers, static_cast<std::size_t>(0.002 * sampleRate));
+}
+
+/// The loudest that a signal gets, as mean power over 10 ms: of a tone that changes slowly, its loudest
+/// steady level.
+inline double loudestPower(std::span<const float> signal, double sampleRate) {
+    std::vector<double> powers;
+    powers.reserve(signal.size());
+    for (const float sample : signal)
+        powers.push_back(static_cast<double>(sample) * static_cast<double>(sample));
+    return loudestMean(powers, static_cast<std::size_t>(0.01 * sampleRate));
 }
 
 /// A click shows here first: a step of s between two samples of a smooth signal gives s.

@@ -40,6 +40,15 @@ TEST(HighPower, CountsTheStretchOnly) {
     EXPECT_EQ(test::loudestHighPower(signal, {0, 2000}, sampleRate), 0);
 }
 
+/// Analytic: a sine's mean power is half the square of its amplitude.
+TEST(LoudestPower, IsThatOfTheLouderPart) {
+    test::Signal signal = tone(1000, 4800);
+    std::ranges::for_each(signal.begin() + 2400, signal.end(), [](float& sample) { sample *= 0.5f; });
+    EXPECT_NEAR(test::loudestPower(signal, sampleRate), 0.5, 1e-6);
+    std::ranges::for_each(signal, [](float& sample) { sample *= 2.0f; });
+    EXPECT_NEAR(test::loudestPower(signal, sampleRate), 2.0, 1e-6);
+}
+
 TEST(SecondDifference, OfAToneIsItsAmplitudeTimesTheSquareOfItsFrequency) {
     const double step = 2 * std::sin(std::numbers::pi * 1000 / sampleRate);
     EXPECT_NEAR(test::largestSecondDifference(tone(1000, 480)), step * step, 1e-6);

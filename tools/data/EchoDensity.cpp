@@ -61,7 +61,7 @@ double densityAt(std::span<const double> response, std::size_t centre, const Win
 EchoDensity echoDensity(std::span<const double> response, double sampleRate, double decaySeconds,
                         double windowSeconds) {
     constexpr double step = 0.001;
-    constexpr double silentShare = 1e-7; // of the peak: below it, single-precision rounding is all there is
+    constexpr double silentShare = 1e-6; // of the peak: below it, single-precision rounding takes over
     const Window window = windowOf(sampleRate, windowSeconds, decaySeconds);
     double peak = 0;
     for (const double sample : response)

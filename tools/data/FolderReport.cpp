@@ -5,6 +5,7 @@
 #include "data/DataError.h"
 #include "data/HeadPlots.h"
 #include "data/Loudness.h"
+#include "data/ReverbFile.h"
 #include "data/SceneReport.h"
 
 #include "parameters/core/Scene.h"
@@ -44,6 +45,12 @@ const ResponseSet* setOfRate(const HeadFiles& head, double sampleRate) {
     const auto found = std::ranges::find_if(
         head.sets, [&](const ResponseSet& set) { return set.file.sampleRate == sampleRate; });
     return found == head.sets.end() ? nullptr : &*found;
+}
+
+bool holdsRooms(const std::filesystem::path& data, double sampleRate) {
+    return std::ranges::any_of(reverbFiles, [&](const ReverbFile& file) {
+        return file.sampleRate == sampleRate && std::filesystem::is_regular_file(data / file.name);
+    });
 }
 
 std::vector<std::string_view> wantedScenes(const FolderReportOptions& options) {
@@ -118,12 +125,14 @@ constexpr const char* methods =
     "over "
     "the rest: the direct sound's energy over everything else's.</li>"
     "<li>Coherence: real part of the ears' cross-spectrum without lag over the root of their powers, in "
-    "third-octave bands of the reverb from the time of its full density on, the decay of each band undone. "
+    "third-octave bands of the reverb from the time on at which its density is to be full, the decay of each "
+    "band undone. "
     "The "
     "diffuse field is the same figure over all directions of the head, each by its share of the sphere.</li>"
     "<li>Echo density: Abel and Huang 2006, Hann windows of 20 ms. For the reverb alone the decay inside the "
-    "window is undone.</li>"
-    "<li>Loudness: ITU-R BS.1770, integrated; pink noise, -20 dB RMS, of its own on every channel; the "
+    "window is undone. Noise itself keeps within some 0.1 of 1, so the moment of the first 1 is a rough "
+    "one.</li>"
+    "<li>Loudness: ITU-R BS.1770, integrated; pink noise, −20 dB RMS, of its own on every channel; the "
     "low-frequency channel is silent.</li></ul></section>\n";
 
 std::string headSection(const HeadFiles& head, std::span<const Plot> plots,
@@ -131,9 +140,10 @@ std::string headSection(const HeadFiles& head, std::span<const Plot> plots,
     std::string text = "<section id=\"head\"><h2>Head</h2>\n";
     for (const std::string& fault : head.faults)
         text += "<p class=\"missed\">" + escaped(fault) + "</p>\n";
+    text += "<div class=\"pair\">";
     for (const Plot& plot : plots)
         text += figureElement(plot, folder);
-    return text + "</section>\n";
+    return text + "</div></section>\n";
 }
 
 std::string originSection(const std::filesystem::path& data) {
@@ -149,10 +159,11 @@ std::string sceneChapter(const HeadFiles& head, const std::filesystem::path& dat
                          const std::filesystem::path& plotFolder, const FolderReportOptions& options,
                          std::ostream& out) {
     const ResponseSet* const set = setOfRate(head, options.probe.sampleRate);
-    if (set == nullptr || !std::filesystem::exists(data / "OVNdata511.dat")) {
+    if (set == nullptr || !holdsRooms(data, options.probe.sampleRate)) {
         const std::string reason = "No rooms: \"" + data.string() +
-                                   "\" lacks the responses of head or rooms at 48 kHz, OVNdata121.dat and "
-                                   "OVNdata511.dat.";
+                                   "\" lacks the responses of head or rooms at " +
+                                   shortest(options.probe.sampleRate) +
+                                   " Hz. \"kestrum data hrir\" and \"kestrum data reverb\" make them.";
         out << reason << "\n";
         return "<section id=\"overview\"><h2>Rooms</h2>\n<p class=\"missed\">" + escaped(reason) +
                "</p></section>\n";
@@ -181,10 +192,10 @@ void writeFolderReport(const std::filesystem::path& data, const std::filesystem:
     const ResponseSets sets(head.sets.begin(), head.sets.end());
     const std::vector<Plot> headPlots = writeHeadPlots(sets, {}, plotFolder);
     drawPlots(headPlots, plotFolder);
-    writePage(pageHead("Data of the plug-in") + sceneChapter(head, data, plotFolder, options, out) +
-                  headSection(head, headPlots, plotFolder) + methods + originSection(data) +
-                  "</body>\n</html>\n",
-              folder);
+    writePage(
+        pageHead("Orvane KESTRUM: rooms and head") + sceneChapter(head, data, plotFolder, options, out) +
+            headSection(head, headPlots, plotFolder) + methods + originSection(data) + "</body>\n</html>\n",
+        folder);
     out << "Report: " << (folder / "index.html").string() << "\n";
 }
 

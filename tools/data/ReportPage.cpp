@@ -78,6 +78,7 @@ std::string pageHead(const std::string& title) {
            "table{border-collapse:collapse;margin:1em 0}"
            "td,th{padding:.2em .8em;border-bottom:1px solid #ccc;text-align:left}"
            "td.number,th.number{text-align:right;font-variant-numeric:tabular-nums;white-space:nowrap}"
+           "td.name{white-space:nowrap}.tight td,.tight th{padding:.2em .5em}"
            ".target{color:#666}.missed{color:#a03000;font-weight:bold}"
            ".pair{display:grid;grid-template-columns:repeat(auto-fit,minmax(30em,1fr));gap:0 1em}"
            "figure{margin:1em 0}figcaption{font-size:.9em;color:#444}img{max-width:100%}"

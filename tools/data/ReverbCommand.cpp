@@ -17,10 +17,9 @@ namespace orvane::kestrum::tools {
 
 namespace {
 
+constexpr const char* remedy = ": make the head first with \"kestrum data hrir --out DIR\".";
+
 ResponseSet readHead(const std::filesystem::path& folder) {
-    constexpr const char* remedy = ": make the head first with \"kestrum data hrir --out DIR\".";
-    if (!std::filesystem::is_directory(folder))
-        throw DataError("\"" + folder.string() + "\" is no folder" + remedy);
     const ResponseFile& file = responseFiles[1];
     static_assert(responseFiles[1].sampleRate == masterSampleRate);
     try {
@@ -43,6 +42,8 @@ void tellFigures(const std::vector<SceneFigures>& figures, std::ostream& out) {
 } // namespace
 
 void runReverb(const ReverbRequest& request, std::ostream& out) {
+    if (!std::filesystem::is_directory(request.folder))
+        throw DataError("\"" + request.folder.string() + "\" is no folder" + remedy);
     const std::string about = aboutWithReverb(request.folder);
     if (request.aboutOnly) {
         out << about;

@@ -34,7 +34,7 @@ std::size_t onsetOf(const EarResponses& response);
 /// The part of a response that one octave band holds. The filter (Butterworth, three poles at either edge) runs
 /// backwards in time, so that it rings before the sound instead of lengthening a short decay.
 ///
-/// Shape   as many samples as `response`.
+/// Shape   longer than `response`: the time that the filter rings in front of its first sample comes first.
 /// Source  Jacobsen and Rindel, Time reversed decay measurements, J. Sound Vib. 117, 1987.
 Samples octaveBand(std::span<const double> response, double sampleRate, double centreHz);
 

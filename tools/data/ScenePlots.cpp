@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "data/SceneReport.h"
 
+#include "data/ThirdOctaves.h"
+
 #include <algorithm>
 #include <array>
 #include <cmath>
@@ -10,6 +12,8 @@ namespace orvane::kestrum::tools {
 
 namespace {
 
+// The drawn parts keep their colours throughout: direct black, reflections vermilion, reverb sky blue.
+
 constexpr int halfWidth = 560;
 constexpr int halfHeight = 300;
 
@@ -17,7 +21,7 @@ constexpr int halfHeight = 300;
 struct Place {
     const SceneChapter& chapter;
     std::string anchor;
-    std::string name(const std::string& plot) const { return anchor + "-" + plot; }
+    std::string name(const std::string& plot) const { return anchor + "." + plot; }
     std::string tableName(const std::string& plot) const { return name(plot) + ".txt"; }
     PlotTable table(const std::string& plot) const { return PlotTable(chapter.folder, tableName(plot)); }
 };
@@ -32,43 +36,50 @@ std::array<double, 2> extremes(const Samples& samples, std::size_t from, std::si
     return range;
 }
 
-Plot waveformPlot(const Place& place, const SceneMeasures& measures) {
-    constexpr double seconds = 0.1;
+/// Per step of time, of each part at the left ear: least, greatest, and the level of the larger of both.
+void writeWaveform(PlotTable table, const SceneMeasures& measures, double sampleRate) {
+    constexpr int stepCount = 400;
     constexpr double stepSeconds = 0.00025;
     const SceneResponses& responses = measures.responses;
     double full = 1e-9;
-    for (const Samples& ear : responses.direct)
-        for (const double sample : ear)
-            full = std::max(full, std::abs(sample));
-    PlotTable table = place.table("waveform");
-    const double step = stepSeconds * place.chapter.sampleRate;
-    for (int bin = 0; bin < static_cast<int>(seconds / stepSeconds); ++bin) {
-        const auto from = static_cast<std::size_t>(bin * step) + measures.onset;
-        const auto to = static_cast<std::size_t>((bin + 1) * step) + measures.onset;
-        std::vector<double> row{bin * stepSeconds * 1000};
-        for (std::size_t ear = 0; ear < 2; ++ear)
-            for (const EarResponses* part : {&responses.reverb, &responses.reflections, &responses.direct})
-                for (const double value : extremes((*part)[ear], from, to, full))
-                    row.push_back(value);
+    for (const double sample : responses.direct[leftEar])
+        full = std::max(full, std::abs(sample));
+    const auto place = [&](int step) {
+        return static_cast<std::size_t>(step * stepSeconds * sampleRate) + measures.onset;
+    };
+    for (int step = 0; step < stepCount; ++step) {
+        std::vector<double> row{step * stepSeconds * 1000};
+        for (const EarResponses* part : {&responses.reverb, &responses.reflections, &responses.direct}) {
+            const auto range = extremes((*part)[leftEar], place(step), place(step + 1), full);
+            row.insert(row.end(),
+                       {range[0], range[1], 20 * std::log10(std::max({-range[0], range[1], 1e-6}))});
+        }
         table.row(row);
     }
-    const std::string file = "'" + place.tableName("waveform") + "'";
-    const auto panel = [&](int firstColumn, const std::string& ear) {
-        const auto part = [&](int column, std::string_view colour, const std::string& title) {
-            return file + " using 1:" + std::to_string(column) + ":" + std::to_string(column + 1) +
-                   " with filledcurves lc rgb '" + std::string(colour) + "' lw 0.8 title '" + title + "'";
-        };
-        return "set ylabel '" + ear + "'\nplot " + part(firstColumn, colours::sky, "reverb") + ", " +
-               part(firstColumn + 2, colours::vermilion, "reflections") + ", " +
-               part(firstColumn + 4, colours::black, "direct") + "\n";
+}
+
+Plot waveformPlot(const Place& place, const SceneMeasures& measures) {
+    writeWaveform(place.table("waveform"), measures, place.chapter.sampleRate);
+    const std::string file = "'" + place.tableName("waveform") + "' using 1:";
+    const auto style = [](std::string_view colour, const std::string& title) {
+        return " lc rgb '" + std::string(colour) + "' lw 0.8 title '" + title + "'";
+    };
+    const auto panel = [&](const std::array<std::string, 3>& columns, const std::string& drawn) {
+        return "plot " + file + columns[0] + drawn + style(colours::sky, "reverb") + ", " + file +
+               columns[1] + drawn + style(colours::vermilion, "reflections") + ", " + file + columns[2] +
+               drawn + style(colours::black, "direct") + "\n";
     };
     return {place.name("waveform"),
-            "Impulse, first 100 ms from the direct sound on; 1 is the direct sound's peak.",
-            "set multiplot layout 2,1 margins 0.12,0.97,0.15,0.97 spacing 0,0.04\n"
-            "set xrange [-1:100]; set yrange [-1.05:1.05]; set ytics 0.5; set grid; set format x ''\n"
-            "set key top right horizontal\n" +
-                panel(2, "left ear") + "unset key; set format x '%g'; set xlabel 'time (ms)'\n" +
-                panel(8, "right ear") + "unset multiplot",
+            "Impulse at the left ear, first 100 ms from the direct sound on: waveform (the direct sound's "
+            "peak is "
+            "1, its top is cut off) and level.",
+            "set multiplot layout 2,1 margins 0.13,0.97,0.17,0.97 spacing 0,0.05\n"
+            "set xrange [-1:100]; set grid; set format x ''\n"
+            "set yrange [-0.5:0.5]; set ytics 0.25; set ylabel 'amplitude'; set key top right horizontal\n" +
+                panel({"2:3", "5:6", "8:9"}, " with filledcurves") +
+                "unset key; set format x '%g'; set xlabel 'time (ms)'\n"
+                "set yrange [-70:3]; set ytics 20; set ylabel 'level (dB)'\n" +
+                panel({"4", "7", "10"}, " with filledcurves y1=-70") + "unset multiplot",
             halfWidth, halfHeight};
 }
 
@@ -190,58 +201,105 @@ Plot densityPlot(const Place& place, const SceneMeasures& measures) {
         const double time = static_cast<double>(index) * measures.density.stepSeconds;
         if (time > seconds)
             break;
-        table.row({time * 1000, measures.density.values[index], measures.reverbDensity.values[index]});
+        if (measures.density.values[index] > 0) // 0 is silence here
+            table.row({time * 1000, measures.density.values[index], measures.reverbDensity.values[index]});
     }
     const std::string file = "'" + place.tableName("density") + "'";
     std::string script = "set xlabel 'time from the direct sound (ms)'; set ylabel 'echo density'; set grid\n"
                          "set xrange [0:250]; set yrange [0:1.5]; set key top right horizontal\n";
-    if (measures.target) {
-        const std::string full = shortest(measures.target->fullDensitySeconds * 1000);
-        script += "set arrow from " + full + ",0 to " + full + ",1.2 nohead dt 2 lw 1.5 lc rgb '#0072b2'\n" +
-                  "set label 'to be full by here' at " + full + ",1.26 textcolor rgb '#0072b2'\n";
-    }
-    script += "plot 1 with lines dt 2 lc rgb '#999999' notitle, " + file +
-              " using 1:2 with lines lw 1.2 lc rgb '#d55e00' title 'whole'";
-    if (measures.target)
-        script += ", " + file + " using 1:3 with lines lw 1.8 lc rgb '#000000' title 'reverb alone'";
+    const std::string full = shortest(measures.target->fullDensitySeconds * 1000);
+    script += "set arrow from " + full + ",0 to " + full + ",1.2 nohead dt 2 lw 1.5 lc rgb '#0072b2'\n" +
+              "set label 'to be full by here' at " + full + ",1.26 textcolor rgb '#0072b2'\n" +
+              "plot 1 with lines dt 2 lc rgb '#999999' notitle, " + file +
+              " using 1:2 with lines lw 1.2 lc rgb '#d55e00' title 'whole', " + file +
+              " using 1:3 with lines lw 1.8 lc rgb '#000000' title 'reverb alone'";
     return {place.name("density"),
             "Echo density (Abel and Huang), windows of 20 ms, mean of both ears; 1 is that of noise.", script,
             halfWidth, halfHeight};
 }
 
+/// Power in third-octave bands, mean of both ears, in decibels.
+Samples bandLevels(const EarResponses& response, std::span<const BandWindow> bands,
+                   RealTransform& transform) {
+    Samples levels(bands.size());
+    const std::array<Spectrum, 2> ears{transform.forward(response[leftEar]),
+                                       transform.forward(response[rightEar])};
+    for (std::size_t band = 0; band < bands.size(); ++band) {
+        double power = 1e-12;
+        double width = 0;
+        for (std::size_t index = 0; index < bands[band].gains.size(); ++index) {
+            const double gain = bands[band].gains[index];
+            const std::size_t bin = bands[band].firstBin + index;
+            power += gain * (std::norm(ears[leftEar][bin]) + std::norm(ears[rightEar][bin])) / 2;
+            width += gain;
+        }
+        levels[band] = 10 * std::log10(power / width);
+    }
+    return levels;
+}
+
+Plot spectrumPlot(const Place& place, const SceneMeasures& measures) {
+    const SceneResponses& responses = measures.responses;
+    RealTransform transform(powerOfTwoFrom(responses.full[leftEar].size()));
+    const auto bands = thirdOctaves(transform.binCount(), place.chapter.sampleRate);
+    const Samples reverb = bandLevels(responses.reverb, bands, transform);
+    const Samples reflections = bandLevels(responses.reflections, bands, transform);
+    const Samples direct = bandLevels(responses.direct, bands, transform);
+    PlotTable table = place.table("spectrum");
+    for (std::size_t band = 0; band < bands.size(); ++band)
+        table.row({bands[band].centreHz, reverb[band], reflections[band], direct[band]});
+    const std::string file = "'" + place.tableName("spectrum") + "'";
+    return {place.name("spectrum"), "Power of the parts in third-octave bands, mean of both ears.",
+            "set xlabel 'frequency (Hz)'; set ylabel 'level (dB)'; set logscale x; set grid\n"
+            "set xrange [90:18000]; set yrange [-50:25]\n"
+            "set xtics ('100' 100, '200' 200, '500' 500, '1k' 1000, '2k' 2000, '5k' 5000, '10k' 10000)\n"
+            "set key top right horizontal\nplot " +
+                file + " using 1:4 with lines lw 2 lc rgb '#000000' title 'direct', " + file +
+                " using 1:3 with lines lw 1.5 dt 4 lc rgb '#d55e00' title 'reflections', " + file +
+                " using 1:2 with lines lw 1.5 lc rgb '#56b4e9' title 'reverb'",
+            halfWidth, halfHeight};
+}
+
 /// Where the rooms lie, measured and meant, by the two figures that tell them apart best.
 Plot mapPlot(const SceneChapter& chapter) {
-    PlotTable table(chapter.folder, "all-rooms.txt");
+    PlotTable table(chapter.folder, "all.rooms.txt");
     std::string labels;
-    bool any = false;
+    std::vector<const SceneMeasures*> drawn;
+    const auto crowded = [&drawn](const SceneMeasures& measures) {
+        return std::ranges::any_of(drawn, [&](const SceneMeasures* other) {
+            return std::abs(std::log2(other->decaySeconds / measures.decaySeconds)) < 0.4 &&
+                   std::abs(other->directToRestDb - measures.directToRestDb) < 1.5;
+        });
+    };
     for (const SceneFindings& finding : chapter.scenes) {
         const SceneMeasures& measures = finding.measures;
         if (!measures.target || measures.decaySeconds <= 0)
             continue;
-        any = true;
         table.row({measures.decaySeconds, measures.directToRestDb,
                    measures.target->decaySeconds - measures.decaySeconds,
                    measures.target->directToRestDb - measures.directToRestDb});
         labels += "set label '" + std::string(measures.scene) + "' at " + shortest(measures.decaySeconds) +
-                  "," + shortest(measures.directToRestDb) + " offset 0.8,0.4\n";
+                  "," + shortest(measures.directToRestDb) +
+                  (crowded(measures) ? " right offset -0.8,0.4\n" : " offset 0.8,0.4\n");
+        drawn.push_back(&measures);
     }
-    if (!any)
+    if (drawn.empty())
         table.row({100, 100, 0, 0}); // outside the plot: an empty block would be no block
     return {
-        "all-rooms",
+        "all.rooms",
         "The rooms by decay and by direct sound over everything else; lines lead to the targets.",
         "set xlabel 'T60, mean of 500 Hz and 1 kHz (s)'; set ylabel 'direct over the rest (dB)'; set grid\n"
-        "set logscale x; set xrange [0.06:4]; set yrange [-8:12]; set key top right\n"
+        "set logscale x; set xrange [0.06:4]; set yrange [-10:12]; set key top right\n"
         "set xtics ('0.1' 0.1, '0.2' 0.2, '0.5' 0.5, '1' 1, '2' 2)\n" +
             labels +
-            "plot 'all-rooms.txt' using 1:2:3:4 with vectors nohead lc rgb '#999999' notitle, "
+            "plot 'all.rooms.txt' using 1:2:3:4 with vectors nohead lc rgb '#999999' notitle, "
             "'' using ($1+$3):($2+$4) with points pt 6 ps 0.9 lc rgb '#0072b2' title 'target', "
             "'' using 1:2 with points pt 7 ps 0.9 lc rgb '#d55e00' title 'measured'",
         1120, 480};
 }
 
 Plot loudnessPlot(const SceneChapter& chapter) {
-    PlotTable table(chapter.folder, "all-loudness.txt");
+    PlotTable table(chapter.folder, "all.loudness.txt");
     std::string names;
     double lowest = 0;
     double highest = -200;
@@ -256,12 +314,12 @@ Plot loudnessPlot(const SceneChapter& chapter) {
         }
     }
     return {
-        "all-loudness", "Loudness of pink noise, -20 dB RMS on every full-range channel, Scene by Scene.",
+        "all.loudness", "Loudness of pink noise, −20 dB RMS on every full-range channel, Scene by Scene.",
         "set ylabel 'loudness (LUFS)'; set grid; set key top right horizontal; set xtics rotate by 30 right\n"
         "set xtics (" +
             names + ")\nset xrange [-0.6:" + shortest(static_cast<double>(chapter.scenes.size()) - 0.4) +
             "]; set yrange [" + shortest(std::floor(lowest) - 1) + ":" + shortest(std::ceil(highest) + 2) +
-            "]\nplot 'all-loudness.txt' using 1:2 with linespoints dt 3 pt 7 ps 0.9 lc rgb '#0072b2' title "
+            "]\nplot 'all.loudness.txt' using 1:2 with linespoints dt 3 pt 7 ps 0.9 lc rgb '#0072b2' title "
             "'2.0 +/-30°', '' using 1:3 with linespoints dt 3 pt 5 ps 0.8 lc rgb '#d55e00' title '5.1 ITU'",
         1120, 360};
 }
@@ -273,12 +331,13 @@ std::vector<Plot> writeScenePlots(const SceneChapter& chapter) {
     for (const SceneFindings& finding : chapter.scenes) {
         const Place place{chapter, anchorOf(finding.measures.scene)};
         plots.push_back(waveformPlot(place, finding.measures));
-        plots.push_back(densityPlot(place, finding.measures));
+        plots.push_back(spectrumPlot(place, finding.measures));
         if (!finding.measures.target)
             continue;
         plots.push_back(decayPlot(place, finding.measures));
         plots.push_back(octavesPlot(place, finding.measures));
         plots.push_back(coherencePlot(place, finding.measures));
+        plots.push_back(densityPlot(place, finding.measures));
     }
     return plots;
 }

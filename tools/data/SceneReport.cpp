@@ -23,6 +23,12 @@ std::string pair(double target, double measured, int decimals, bool missed) {
            number(fixedText(measured, decimals), missed);
 }
 
+/// A ratio of energies, of which one may be missing altogether.
+std::string ratioText(double decibels, const char* unit = "") {
+    constexpr double missingDb = 120;
+    return std::abs(decibels) < missingDb ? fixedText(decibels, 1) + unit : "–";
+}
+
 std::string milliseconds(double seconds) { return seconds < 0 ? "–" : fixedText(seconds * 1000, 0); }
 
 /// Which goals with a tolerance a room misses.
@@ -37,6 +43,11 @@ std::vector<std::string> missedGoals(const SceneMeasures& measures, const Cohere
     return missed;
 }
 
+/// The shape's bounds, with the tolerance of a decay time.
+bool shapeWithin(const DecayShape& shape, double share) {
+    return share >= shape.least * (1 - decayTolerance) && share <= shape.most * (1 + decayTolerance);
+}
+
 std::string joined(const std::vector<std::string>& words) {
     std::string text;
     for (const std::string& word : words)
@@ -46,19 +57,19 @@ std::string joined(const std::vector<std::string>& words) {
 
 std::string overviewRow(const SceneChapter& chapter, const SceneFindings& finding) {
     const SceneMeasures& measures = finding.measures;
-    std::string row =
-        "<tr><td><a href=\"#" + anchorOf(measures.scene) + "\">" + escaped(measures.scene) + "</a></td>";
+    std::string row = "<tr><td class=\"name\"><a href=\"#" + anchorOf(measures.scene) + "\">" +
+                      escaped(measures.scene) + "</a></td>";
     if (!measures.target)
-        return row + nothing + nothing + nothing + number(fixedText(measures.clarity50Db, 1)) +
-               number(fixedText(measures.clarity80Db, 1)) + nothing +
-               number(fixedText(measures.directToRestDb, 1)) + nothing + nothing + nothing + nothing +
+        return row + nothing + nothing + nothing + number(ratioText(measures.clarity50Db)) +
+               number(ratioText(measures.clarity80Db)) + nothing +
+               number(ratioText(measures.directToRestDb)) + nothing + nothing + nothing + nothing +
                number(fixedText(finding.stereoLufs, 1)) + number(fixedText(finding.surroundLufs, 1)) +
                "</tr>\n";
     const RoomTarget& target = *measures.target;
     const CoherenceError coherence = coherenceError(measures.coherence, chapter.coherenceTarget);
     row += pair(target.decaySeconds, measures.decaySeconds, 2, !decayWithin(measures));
     row += pair(target.clarity50Db, measures.clarity50Db, 1, !clarityWithin(measures));
-    row += number(fixedText(measures.clarity80Db, 1));
+    row += number(ratioText(measures.clarity80Db));
     row += pair(target.directToRestDb, measures.directToRestDb, 1, false);
     row += "<td class=\"number target\">" + milliseconds(target.fullDensitySeconds) + "</td>" +
            number(milliseconds(measures.reverbDensity.fullSeconds));
@@ -78,32 +89,49 @@ std::string verdict(const SceneChapter& chapter) {
         const auto goals = missedGoals(finding.measures,
                                        coherenceError(finding.measures.coherence, chapter.coherenceTarget));
         if (!goals.empty())
-            missed += "<li>" + escaped(finding.measures.scene) + ": " + joined(goals) + "</li>";
+            missed +=
+                (missed.empty() ? "" : "; ") + escaped(finding.measures.scene) + " (" + joined(goals) + ")";
     }
     if (missed.empty())
         return "<p><strong>All " + std::to_string(rooms) +
                " rooms meet their goals for decay, clarity and coherence.</strong></p>\n";
-    return "<p><strong>Rooms outside a tolerance:</strong></p>\n<ul>" + missed + "</ul>\n";
+    return "<p><strong>Outside a tolerance:</strong> " + missed + ".</p>\n";
 }
 
 std::string figuresOf(std::span<const Plot> plots, const std::string& prefix, const SceneChapter& chapter) {
     std::string figures;
     for (const Plot& plot : plots)
-        if (plot.name.starts_with(prefix + "-"))
+        if (plot.name.starts_with(prefix + "."))
             figures += figureElement(plot, chapter.folder);
     return figures;
 }
 
+/// Decay times, and the shape that they make over the frequency beside the one that a room has.
 std::string octaveTable(const SceneMeasures& measures) {
     std::string heads;
-    std::string values;
+    std::string times;
+    std::string shares;
+    std::string goals;
     for (std::size_t octave = 0; octave < roomOctavesHz.size(); ++octave) {
         heads += "<th class=\"number\">" + shortest(roomOctavesHz[octave]) + " Hz</th>";
         const DecayTime& time = measures.decays[octave];
-        values += time.seconds > 0 ? number(fixedText(time.seconds, 2) + (time.rangeDb == 20 ? " (T20)" : ""))
-                                   : std::string(nothing);
+        const auto shape = std::ranges::find(decayShapes(), roomOctavesHz[octave], &DecayShape::centreHz);
+        const bool hasGoal = shape != decayShapes().end();
+        if (time.seconds <= 0 || measures.decaySeconds <= 0) {
+            times += nothing;
+            shares += nothing;
+        } else {
+            const double share = time.seconds / measures.decaySeconds;
+            times += number(fixedText(time.seconds, 2) + (time.rangeDb == 20 ? " (T20)" : ""));
+            shares += number(fixedText(share, 2), hasGoal && !shapeWithin(*shape, share));
+        }
+        goals += hasGoal ? "<td class=\"number target\">" + shortest(shape->least) + " to " +
+                               shortest(shape->most) + "</td>"
+                         : "<td></td>";
     }
-    return "<table><tr><th>Octave</th>" + heads + "</tr><tr><td>T60, s</td>" + values + "</tr></table>\n";
+    return "<table><tr><th>Octave</th>" + heads + "</tr>\n<tr><td>T60, s</td>" + times +
+           "</tr>\n<tr><td>over the middle</td>" + shares + "</tr>\n<tr><td class=\"target\">to be</td>" +
+           goals + "</tr></table>\n";
 }
 
 std::string section(const SceneChapter& chapter, const SceneFindings& finding, std::span<const Plot> plots) {
@@ -111,8 +139,8 @@ std::string section(const SceneChapter& chapter, const SceneFindings& finding, s
     const std::string anchor = anchorOf(measures.scene);
     std::ostringstream text;
     text << "<section id=\"" << anchor << "\"><h3>" << escaped(measures.scene) << "</h3>\n<p>C50 "
-         << fixedText(measures.clarity50Db, 1) << " dB, C80 " << fixedText(measures.clarity80Db, 1)
-         << " dB, direct over the rest " << fixedText(measures.directToRestDb, 1) << " dB; "
+         << ratioText(measures.clarity50Db, " dB") << ", C80 " << ratioText(measures.clarity80Db, " dB")
+         << ", direct over the rest " << ratioText(measures.directToRestDb, " dB") << "; "
          << fixedText(finding.stereoLufs, 1) << " LUFS in 2.0, " << fixedText(finding.surroundLufs, 1)
          << " LUFS in 5.1.";
     if (measures.target) {
@@ -146,7 +174,8 @@ std::string sceneOverview(const SceneChapter& chapter, std::span<const Plot> plo
     for (const SceneFindings& finding : chapter.scenes)
         rows += overviewRow(chapter, finding);
     return "<section id=\"overview\"><h2>Rooms</h2>\n" + verdict(chapter) +
-           "<table><tr><th rowspan=\"2\">Scene</th><th colspan=\"2\">T60, s</th><th colspan=\"2\">C50, "
+           "<table class=\"tight\"><tr><th rowspan=\"2\">Scene</th><th colspan=\"2\">T60, s</th><th "
+           "colspan=\"2\">C50, "
            "dB</th>"
            "<th>C80, dB</th><th colspan=\"2\">Direct over the rest, dB</th><th colspan=\"2\">Full density, "
            "ms</th>"
@@ -160,7 +189,8 @@ std::string sceneOverview(const SceneChapter& chapter, std::span<const Plot> plo
            rows +
            "</table>\n<p>✗ marks what lies outside its tolerance: T60 by more than 10 %, C50 by more than "
            "1.5 dB, "
-           "the worst band of the coherence by more than 0.1 below 400 Hz and 0.15 above.</p>\n" +
+           "the worst band of the coherence by more than 0.1 below 400 Hz and 0.15 above."
+           " The other goals have no tolerance.</p>\n" +
            figuresOf(plots, "all", chapter) + "</section>\n";
 }
 
