@@ -68,7 +68,8 @@ public:
                                                                    ISelectorValue* scene,
                                                                    IParameterSet* parameterSet) const = 0;
 
-    /// @param reloadFinished runs on the audio thread in the first block of each crossfade.
+    /// @param reloadFinished runs on the audio thread: before a crossfaded engine's first block, and when its
+    ///        fade begins.
     virtual std::unique_ptr<IEngineManager>
     createEngineManager(ISelectorValue* speakerSetup, ISupportedLayouts* supportedLayouts,
                         IParameterSet* parameterSet, IHrir* hrir, const std::string& dataDirectory,

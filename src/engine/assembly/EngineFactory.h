@@ -22,7 +22,8 @@ namespace orvane::kestrum::core {
 class EngineFactory final : public orvane::IEngineFactory {
 public:
     /// Raw pointers are borrowed.
-    /// @param reloadFinished runs on the audio thread in the first block of each crossfade.
+    /// @param reloadFinished runs on the audio thread: before a crossfaded engine's first block, and when its
+    ///        fade begins.
     EngineFactory(ISelectorValue* speakerSetup, ISupportedLayouts* supportedLayouts,
                   const IComponentFactory* componentFactory, IParameterSet* parameterSet, IHrir* hrir,
                   std::string dataDirectory, std::unique_ptr<IEngineBuilder> engineBuilder,
