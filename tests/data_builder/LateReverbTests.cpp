@@ -73,6 +73,7 @@ TEST_F(LateReverbs, HaveTheLengthOfTheirRoomAndAPeakOfOne) {
 TEST_F(LateReverbs, DecayInEveryOctaveAsTheRoomIsToldTo) {
     for (const ReverbFile& file : reverbFiles) {
         std::vector<ReverbEntry> master;
+        master.reserve(rooms.size());
         for (const int room : rooms)
             master.push_back({room, made[room]});
         for (const ReverbEntry& entry : reverbSetFor(file, master).entries) {

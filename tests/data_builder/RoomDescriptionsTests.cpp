@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "data/DecaySearch.h"
+#include "data/EarCovariance.h"
 #include "data/MeasuredSet.h"
 #include "data/RandomNumbers.h"
 #include "data/ReverbBuilder.h"
@@ -78,6 +79,9 @@ TEST(RoomDescriptions, AgreeWithWhatTheScenesAreToMeasureLike) {
         }
         EXPECT_LE(room.mixingMs, target.fullDensitySeconds * 1000 + 1e-9) << target.scene;
         for (const DecayShape& shape : decayShapes()) {
+            // An octave too narrow for so short a decay is told as what comes out right in it.
+            if (t60At(room, shape.centreHz) * shape.centreHz / std::numbers::sqrt2 < 12)
+                continue;
             const double ratio = t60At(room, shape.centreHz) / middle;
             EXPECT_GE(ratio, shape.least) << target.scene << " at " << shape.centreHz;
             EXPECT_LE(ratio, shape.most) << target.scene << " at " << shape.centreHz;
@@ -186,6 +190,28 @@ TEST(DecayRates, GiveAnUnevenCourseTheDecayThatIsAskedFor) {
     for (std::size_t step = 0; step < course.energies.size(); ++step)
         course.energies[step] *= std::exp(-2 * rate * 0.001 * static_cast<double>(step));
     EXPECT_NEAR(reverberationTime(course), 0.5, 0.002);
+}
+
+/// Property: the mix gives what was asked for, whatever there was; and nothing is changed where nothing has to be.
+TEST(EarMixes, GiveTheCovarianceThatIsMeant) {
+    RandomNumbers random(5);
+    for (int trial = 0; trial < 100; ++trial) {
+        const auto drawn = [&random] {
+            const double left = 0.1 + random.uniform();
+            const double right = 0.1 + random.uniform();
+            return Covariance{left, right, 0.98 * (2 * random.uniform() - 1) * std::sqrt(left * right)};
+        };
+        const Covariance made = drawn();
+        const Covariance meant = drawn();
+        const Covariance result = mixed(mixBetween(made, meant), made);
+        EXPECT_NEAR(result.left, meant.left, 1e-9);
+        EXPECT_NEAR(result.right, meant.right, 1e-9);
+        EXPECT_NEAR(result.cross, meant.cross, 1e-9);
+        const EarMix none = mixBetween(made, made);
+        EXPECT_NEAR(none.left, 1, 1e-9);
+        EXPECT_NEAR(none.right, 1, 1e-9);
+        EXPECT_NEAR(none.cross, 0, 1e-9);
+    }
 }
 
 /// Analytic: ears of the same responses agree in every bin; of a head without a shadow, whose ears lie a way of 2 d apart,

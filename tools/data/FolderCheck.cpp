@@ -140,7 +140,7 @@ FileVerdict checkAbout(const std::filesystem::path& folder) {
         verdict.finding = "it is missing or does not say how the head was made";
     else if (methods.responses != methodNumber)
         verdict.finding = "the head was made by another version of this program";
-    else if (methods.rooms == 0 || methods.rooms != reverbMethodNumber) {
+    else if (methods.rooms != reverbMethodNumber) {
         verdict.finding = methods.rooms == 0 ? "it does not say how the rooms were made"
                                              : "the rooms were made by another version of this program";
         verdict.remedy = remakeRoomsRemedy;

@@ -93,8 +93,8 @@ std::vector<SceneFindings> findScenes(const SceneProbe& probe, const FolderRepor
         out << scene << ": ";
         if (measures.target)
             out << "T60 " << fixedText(measures.decaySeconds, 2) << " s, ";
-        out << "C50 " << fixedText(measures.clarity50Db, 1) << " dB, direct over the rest "
-            << fixedText(measures.directToRestDb, 1) << " dB.\n"
+        out << "C50 " << ratioText(measures.clarity50Db, " dB") << ", direct over the rest "
+            << ratioText(measures.directToRestDb, " dB") << ".\n"
             << std::flush;
     }
     return findings;

@@ -2,6 +2,7 @@
 #include "data/LateReverb.h"
 
 #include "data/DecaySearch.h"
+#include "data/EarCovariance.h"
 #include "data/MeasuredSet.h"
 #include "data/RandomNumbers.h"
 #include "data/ReflectionField.h"
@@ -23,47 +24,6 @@ namespace {
 using EarSamples = std::array<Samples, 2>;
 
 constexpr double thirdOctaveWidth = 0.2316; ///< Of a band, over its centre.
-
-/// Powers of both ears and what they have in common.
-struct Covariance {
-    double left = 0;
-    double right = 0;
-    double cross = 0;
-};
-
-/// A symmetric mix of two ears.
-struct EarMix {
-    double left = 1;
-    double right = 1;
-    double cross = 0;
-};
-
-Covariance product(const EarMix& mix, const Covariance& of) { // mix * of * mix
-    const double a = mix.left * of.left + mix.cross * of.cross;
-    const double b = mix.left * of.cross + mix.cross * of.right;
-    const double c = mix.cross * of.left + mix.right * of.cross;
-    const double d = mix.cross * of.cross + mix.right * of.right;
-    return {a * mix.left + b * mix.cross, c * mix.cross + d * mix.right, a * mix.cross + b * mix.right};
-}
-
-EarMix root(const Covariance& of) {
-    const double determinant = std::sqrt(std::max(of.left * of.right - of.cross * of.cross, 0.0));
-    const double trace = std::sqrt(of.left + of.right + 2 * determinant);
-    return {(of.left + determinant) / trace, (of.right + determinant) / trace, of.cross / trace};
-}
-
-EarMix inverse(const EarMix& of) {
-    const double determinant = of.left * of.right - of.cross * of.cross;
-    return {of.right / determinant, of.left / determinant, -of.cross / determinant};
-}
-
-/// The mix that gives signals of one covariance another and changes them as little as can be.
-EarMix mixBetween(const Covariance& made, const Covariance& meant) {
-    const EarMix meantRoot = root(meant);
-    const EarMix between = inverse(root(product(meantRoot, made)));
-    const Covariance result = product(meantRoot, {between.left, between.right, between.cross});
-    return {result.left, result.right, result.cross};
-}
 
 /// What a band of the head's field has per sample of noise.
 Covariance meantCovariance(const HeadField& field, const BandWindow& band) {

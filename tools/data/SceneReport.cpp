@@ -23,12 +23,6 @@ std::string pair(double target, double measured, int decimals, bool missed) {
            number(fixedText(measured, decimals), missed);
 }
 
-/// A ratio of energies, of which one may be missing altogether.
-std::string ratioText(double decibels, const char* unit = "") {
-    constexpr double missingDb = 120;
-    return std::abs(decibels) < missingDb ? fixedText(decibels, 1) + unit : "–";
-}
-
 std::string milliseconds(double seconds) { return seconds < 0 ? "–" : fixedText(seconds * 1000, 0); }
 
 /// Which goals with a tolerance a room misses.
@@ -159,6 +153,11 @@ std::string section(const SceneChapter& chapter, const SceneFindings& finding, s
 }
 
 } // namespace
+
+std::string ratioText(double decibels, std::string_view unit) {
+    constexpr double missingDb = 120;
+    return std::abs(decibels) < missingDb ? fixedText(decibels, 1) + std::string(unit) : "–";
+}
 
 std::string anchorOf(std::string_view scene) {
     std::string anchor;

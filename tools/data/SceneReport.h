@@ -7,6 +7,7 @@
 #include <filesystem>
 #include <span>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace orvane::kestrum::tools {
@@ -28,6 +29,9 @@ struct SceneChapter {
 
 /// Writes the tables of all plots of the chapter: those that compare the Scenes, then each Scene's own.
 std::vector<Plot> writeScenePlots(const SceneChapter& chapter);
+
+/// A ratio of energies, or a dash where one of them is missing altogether.
+std::string ratioText(double decibels, std::string_view unit = "");
 
 /// The name under which a Scene's section is linked: "Mix Room" gives "mix-room".
 std::string anchorOf(std::string_view scene);
