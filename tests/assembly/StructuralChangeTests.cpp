@@ -174,7 +174,7 @@ TEST(StructuralChange, ARestoredSceneSoundsFromItsFirstBlockAsIfItHadBeenChosenB
     EXPECT_EQ(first.left, second.left);
 }
 
-TEST(StructuralChange, AReloadFinishedPushesTheNewScenesValuesInTheFirstBlockOfTheFade) {
+TEST(StructuralChange, TheNewScenesValuesArriveWithTheNewEngineAndNotBefore) {
     Product product;
     product.prepare(blockSize, sampleRate);
     Playback playback(product);
