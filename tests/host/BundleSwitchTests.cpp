@@ -91,12 +91,12 @@ float distance(const Channels& left, const Channels& right) {
 }
 
 /// Mean power of both ears together; of a sine of whole periods in a block it is steady.
-float powerOf(const Channels& block) {
+float powerOf(const Channels& played) {
     float sum = 0;
-    for (const auto& channel : block)
+    for (const auto& channel : played)
         for (const float sample : channel)
             sum += sample * sample;
-    return sum / static_cast<float>(block[0].size());
+    return sum / static_cast<float>(played[0].size());
 }
 
 struct Change {
