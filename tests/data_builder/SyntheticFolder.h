@@ -19,7 +19,7 @@ inline constexpr double syntheticDecaySeconds = 0.4;
 inline void writeSyntheticHead(const std::string& folder) {
     using namespace orvane::kestrum::tools;
     const ResponseFile& file = responseFiles[1];
-    const auto pulse = [&file](int side, const GridPlace& place) {
+    const auto pulse = [](int side, const GridPlace& place) {
         const SphericalHead::Ear ear = SphericalHead::ear(side, place.azimuthDegrees, place.elevationDegrees);
         Samples samples(file.length);
         samples[ear.delay] = static_cast<double>(ear.gain);

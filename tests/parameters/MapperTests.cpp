@@ -200,6 +200,13 @@ TEST_F(Mappers, AmbienceMovesTheReverbAroundTheScene) {
     EXPECT_EQ(set.getReverbGainDb(), -12.0f);
 }
 
+TEST_F(Mappers, AmbienceLeavesTheDecayToTheScene) {
+    for (const float value : {0.0f, 50.0f, 100.0f}) {
+        ambience.setValue(value);
+        EXPECT_EQ(set.getReverbDecayPercent(), 90.0f) << value;
+    }
+}
+
 TEST_F(Mappers, AmbienceStopsAtTwentyKilohertz) {
     choose("Kitchen");
     reloadFinished();

@@ -154,19 +154,22 @@ TEST(ReverbDistanceLaw, FallsWithoutAStepFrom15To40Metres) {
 
 // The smoothed gain.
 
-/// Reference: the recursion of the stored coefficients, frame by frame, left then right: two steps a frame.
+/// Reference: the recursion with its stored coefficients, frame by frame, left then right: two steps a frame.
+/// At -3 and 20 dB a last bit in either coefficient tells.
 TEST_F(Reverb, TheGainTakesAStepForEachSampleOfEachEar) {
-    parameters.setReverbGainDb(-12.0f, false);
-    const auto reverb = bare();
-    const auto heard = rendered(*reverb, Signal(10 * blockSize, 1.0f));
-    const float target = std::pow(10.0f, -0.6f);
-    float gain = 1.0f;
-    for (std::size_t i = 0; i < heard[0].size(); ++i)
-        for (std::size_t ear = 0; ear < 2; ++ear) {
-            gain = gain * 0.99f + target * 0.00999999f;
-            ASSERT_EQ(heard[ear][i], gain) << i << ", ear " << ear;
-        }
-    EXPECT_NE(heard[0][0], heard[1][0]);
+    for (const float gainDb : {-12.0f, -3.0f, 20.0f}) {
+        parameters.setReverbGainDb(gainDb, false);
+        const auto reverb = bare();
+        const auto heard = rendered(*reverb, Signal(10 * blockSize, 1.0f));
+        const float target = std::pow(10.0f, gainDb / 20.0f);
+        float gain = 1.0f;
+        for (std::size_t i = 0; i < heard[0].size(); ++i)
+            for (std::size_t ear = 0; ear < 2; ++ear) {
+                gain = gain * 0.99f + target * 0.00999999f;
+                ASSERT_EQ(heard[ear][i], gain) << gainDb << " dB, " << i << ", ear " << ear;
+            }
+        EXPECT_NE(heard[0][0], heard[1][0]);
+    }
 }
 
 TEST_F(Reverb, AStepOfTheTargetMovesTheGainByAHundredthOfTheWay) {

@@ -61,7 +61,7 @@ double densityAt(std::span<const double> response, std::size_t centre, const Win
 EchoDensity echoDensity(std::span<const double> response, double sampleRate, double decaySeconds,
                         double windowSeconds) {
     constexpr double step = 0.001;
-    constexpr double silentShare = 1e-6; // of the peak: below it, single-precision rounding takes over
+    constexpr double silentShare = 1e-5; // of the peak: what is heard no more, and where a response just ends
     const Window window = windowOf(sampleRate, windowSeconds, decaySeconds);
     double peak = 0;
     for (const double sample : response)

@@ -239,6 +239,11 @@ EarSamples sumOfBands(const std::vector<EarSamples>& parts,
     constexpr int rounds = 8;
     constexpr double nearEnough = 0.01;
     constexpr double damping = 0.7;
+    constexpr double smallestTimesBandwidth =
+        12; // below it the octave filter's own swinging in joins the decay
+    const auto timesBandwidth = [&room](std::size_t octave) {
+        return room.t60[octave] * roomOctavesHz[octave] / std::numbers::sqrt2;
+    };
     EarSamples best;
     double smallestError = std::numeric_limits<double>::infinity();
     RoomDescription asked = room;
@@ -250,7 +255,7 @@ EarSamples sumOfBands(const std::vector<EarSamples>& parts,
         const OctaveDecays made = octaveDecayTimes(asHeard(sum, shape), masterSampleRate);
         double error = 0;
         for (std::size_t octave = 0; octave < made.size(); ++octave)
-            if (made[octave].rangeDb > 0) {
+            if (made[octave].rangeDb > 0 && timesBandwidth(octave) > smallestTimesBandwidth) {
                 const double ratio = made[octave].seconds / room.t60[octave];
                 error = std::max(error, std::abs(ratio - 1));
                 asked.t60[octave] *= std::pow(ratio, -damping);

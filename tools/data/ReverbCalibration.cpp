@@ -86,12 +86,12 @@ bool clarityCanBeMet(const RenderedScene& scene) {
     return false;
 }
 
-/// What a level costs: clarity beyond a third of its tolerance by far more than the direct sound's level.
+/// What a level costs: clarity beyond half of its tolerance by far more than the direct sound's level.
 double costOf(const RenderedScene& scene, double gain, bool clarityCounts) {
     constexpr double clarityWeight = 100;
     const double direct = scene.directToRestDb(gain) - scene.target.directToRestDb;
     const double clarity = std::abs(scene.clarityDb(gain) - scene.target.clarity50Db);
-    const double beyond = clarityCounts ? std::max(0.0, clarity - clarityToleranceDb / 3) : 0.0;
+    const double beyond = clarityCounts ? std::max(0.0, clarity - clarityToleranceDb / 2) : 0.0;
     return clarityWeight * beyond * beyond + direct * direct;
 }
 
@@ -141,9 +141,10 @@ public:
 } // namespace
 
 LevelRange levelRange(int room) {
-    constexpr int van = 25; // the product plays it 15 dB louder than its like
+    constexpr int van =
+        25; // the product plays it 18 dB louder than its like, by its own gain and by its Scene's
     constexpr double either = 6;
-    const double middle = room == van ? -15 : 0;
+    const double middle = room == van ? -18 : 0;
     return {middle - either, middle + either};
 }
 

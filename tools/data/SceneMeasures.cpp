@@ -8,7 +8,7 @@ namespace orvane::kestrum::tools {
 
 namespace {
 
-/// Mean of both ears' densities, time counted from the onset.
+/// Mean of both ears' densities and of their times, counted from the onset.
 EchoDensity densityFrom(const EarResponses& response, std::size_t onset, double sampleRate,
                         double decaySeconds) {
     const auto ofEar = [&](std::size_t ear) {
@@ -19,10 +19,9 @@ EchoDensity densityFrom(const EarResponses& response, std::size_t onset, double 
     const EchoDensity other = ofEar(rightEar);
     std::ranges::transform(density.values, other.values, density.values.begin(),
                            [](double one, double two) { return (one + two) / 2; });
-    const auto full = std::ranges::find_if(density.values, [](double value) { return value >= 1; });
-    density.fullSeconds = full == density.values.end()
+    density.fullSeconds = density.fullSeconds < 0 || other.fullSeconds < 0
                               ? -1.0
-                              : static_cast<double>(full - density.values.begin()) * density.stepSeconds;
+                              : (density.fullSeconds + other.fullSeconds) / 2;
     return density;
 }
 

@@ -46,8 +46,8 @@ struct SceneResponses {
 ///         are no layout or Scene.
 class SceneProbe {
 public:
-    /// @param dataDirectory the folder that the responses of head and rooms are read from.
-    explicit SceneProbe(const std::filesystem::path& dataDirectory, const ProbeSettings& settings = {});
+    /// @param folder the data folder that the responses of head and rooms are read from.
+    explicit SceneProbe(const std::filesystem::path& folder, const ProbeSettings& settings = {});
     ~SceneProbe();
     SceneProbe(const SceneProbe&) = delete;
     SceneProbe& operator=(const SceneProbe&) = delete;
