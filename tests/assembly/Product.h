@@ -100,7 +100,8 @@ public:
         return output;
     }
 
-    std::atomic<int> fadesStarted{0}; ///< Crossfades to a new engine whose first block has run.
+    std::atomic<int> fadesStarted{
+        0}; ///< Two for each crossfade: one in its first block, one when its fade begins.
     orvane::kestrum::core::ComponentFactory factory;
     SphericalHead ownHead;
     orvane::IHrir* hrir;

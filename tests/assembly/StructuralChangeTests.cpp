@@ -174,7 +174,7 @@ TEST(StructuralChange, ARestoredSceneSoundsFromItsFirstBlockAsIfItHadBeenChosenB
     EXPECT_EQ(first.left, second.left);
 }
 
-TEST(StructuralChange, AReloadFinishedPushesTheNewScenesValuesInTheFirstBlockOfTheFade) {
+TEST(StructuralChange, TheNewScenesValuesArriveWithTheNewEngineAndNotBefore) {
     Product product;
     product.prepare(blockSize, sampleRate);
     Playback playback(product);
@@ -305,12 +305,17 @@ TEST_F(EngineConstruction, ACrossfadeNeitherAllocatesNorLocksFromItsFirstBlockOn
 TEST(StructuralChange, AudioAutomationAndRebuildsSideBySideStayFinite) {
     Product product;
     product.prepare(blockSize, sampleRate);
+    std::atomic<bool> playing{false};
     std::atomic<bool> done{false};
     Playback playback(product);
     std::thread audio([&] {
-        while (!done)
+        while (!done) {
             playback.block();
+            playing = true;
+        }
     });
+    while (!playing)
+        std::this_thread::yield();
     const std::vector<std::string> names = layoutNames(product);
     std::mt19937 generator(9);
     for (int round = 0; round < 60; ++round) {

@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
+#include <limits>
 #include <string>
 
 namespace {
@@ -89,6 +90,15 @@ float distance(const Channels& left, const Channels& right) {
     return largest;
 }
 
+/// Mean power of both ears together; of a sine of whole periods in a block it is steady.
+float powerOf(const Channels& played) {
+    float sum = 0;
+    for (const auto& channel : played)
+        for (const float sample : channel)
+            sum += sample * sample;
+    return sum / static_cast<float>(played[0].size());
+}
+
 struct Change {
     const char* fromLayout;
     const char* fromScene;
@@ -97,7 +107,7 @@ struct Change {
 };
 class Changes : public ::testing::TestWithParam<Change> {};
 
-TEST_P(Changes, ArriveWithoutAClick) {
+TEST_P(Changes, ArriveWithoutAClickAndWithoutAHole) {
     const auto [fromLayout, fromScene, toLayout, toScene] = GetParam();
     const Steady before = steadyStep(fromLayout, fromScene);
     const Steady after = steadyStep(toLayout, toScene);
@@ -112,23 +122,35 @@ TEST_P(Changes, ArriveWithoutAClick) {
     set(*plugin, "layout", toLayout);
     set(*plugin, "scene", toScene);
     Steps steps;
+    float loudest = 0;
+    float quietest = std::numeric_limits<float>::max();
     std::size_t round = 0;
     bool arrived = false;
     for (; round < blocksAtMost && !arrived; ++round) {
         const Channels output = play(*plugin, sine.next(), block);
         steps.add(output);
+        loudest = std::max(loudest, powerOf(output));
+        quietest = std::min(quietest, powerOf(output));
         arrived = distance(output, after.lastBlock) < close;
     }
     EXPECT_TRUE(arrived);
     // an equal-gain fade of 10 ms adds less than a twentieth to the sine's own step
     EXPECT_LT(steps.largest, 1.1f * std::max(before.step, after.step));
+    const float powerBefore = powerOf(before.lastBlock);
+    const float powerAfter = powerOf(after.lastBlock);
+    EXPECT_LT(loudest, std::pow(10.0f, 0.1f) * std::max(powerBefore, powerAfter));   // 1 dB
+    EXPECT_GT(quietest, std::pow(10.0f, -0.6f) * std::min(powerBefore, powerAfter)); // 6 dB
 }
 INSTANTIATE_TEST_SUITE_P(OfLayoutAndScene, Changes,
                          ::testing::Values(Change{"2.0 +/-30°", "Analytic Dry", "5.1 ITU", "Analytic Dry"},
                                            Change{"9.1.6", "Analytic Dry", "1.0", "Analytic Dry"},
                                            Change{"1.0", "Analytic Dry", "9.1.6", "Analytic Dry"},
                                            Change{"5.1 ITU", "Analytic Dry", "5.1 Film", "Mix Room"},
-                                           Change{"7.1.4", "Mix Room", "Quad", "Analytic Dry"}));
+                                           Change{"7.1.4", "Mix Room", "Quad", "Analytic Dry"},
+                                           Change{"2.0 +/-30°", "Stadium", "2.0 +/-30°", "Analytic Dry"},
+                                           Change{"2.0 +/-30°", "Live Venue", "2.0 +/-30°",
+                                                  "Analytic Position"},
+                                           Change{"5.1 ITU", "Mix Room", "5.1 ITU", "Mix Room Small"}));
 
 TEST(BundleSwitch, AStormOfChangesKeepsPlaying) {
     const auto plugin = makeInstance(channels, "2.0 +/-30°");
