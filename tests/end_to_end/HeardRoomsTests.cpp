@@ -67,6 +67,7 @@ TEST_P(EveryScene, SoundsAsItsRoomIsMeantTo) {
     std::printf("%-16.*s T60 %.2f s, C50 %.1f dB\n", static_cast<int>(scene.size()), scene.data(), decay,
                 clarity);
     EXPECT_NEAR(decay, target->decaySeconds, tools::decayTolerance * target->decaySeconds);
+    EXPECT_NEAR(clarity, target->clarity50Db, tools::clarityToleranceDb);
 }
 INSTANTIATE_TEST_SUITE_P(InMenuOrder, EveryScene, ::testing::Range<std::size_t>(0, 16));
 
