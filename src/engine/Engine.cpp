@@ -8,6 +8,7 @@ namespace orvane::kestrum::core {
 
 namespace {
 
+constexpr double settlingSeconds = 0.01; // longer than the master gain's ramp
 constexpr float lowFrequencyCutoffHz = 80.0f;
 constexpr float lowFrequencyQ = 1.0f;
 constexpr float lowFrequencyInputGain = 3.1622777f; // +10 dB
@@ -34,7 +35,7 @@ Engine::Engine(double sampleRate, std::uint64_t blockSize, std::uint64_t channel
       mixBuffer(2, blockSize),
       speakerBuffer(2, blockSize),
       reverbBuffer(2, blockSize),
-      settlingBuffer(2, static_cast<std::uint64_t>(sampleRate / 100.0)),
+      settlingBuffer(2, static_cast<std::uint64_t>(settlingSeconds * sampleRate)),
       inputFifo(channelCount, Ring(2 * blockSize)),
       outputFifo(2, Ring(2 * blockSize)),
       componentFactory(componentFactory),

@@ -103,12 +103,10 @@ std::uint64_t XFadedEngine::beginFade(std::uint64_t blockFrames) {
     if (waited == blockFrames)
         return blockFrames;
     FadeState state = FadeState::waiting;
-    if (!fadeState.compare_exchange_strong(state, FadeState::begun) && state == FadeState::held)
-        return blockFrames;
-    if (!fadeStartedCalled) {
-        fadeStartedCalled = true;
+    if (fadeState.compare_exchange_strong(state, FadeState::begun))
         fadeStarted();
-    }
+    else if (state == FadeState::held)
+        return blockFrames;
     return waited;
 }
 

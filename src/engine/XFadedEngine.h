@@ -50,7 +50,7 @@ public:
     std::shared_ptr<IEngine> holdFade() noexcept override;
     void resumeFade() noexcept override;
 
-    void freezeParameters() noexcept override;
+    void freezeParameters() noexcept ORVANE_REALTIME override;
 
 private:
     enum class FadeState { waiting, held, begun };
@@ -61,8 +61,8 @@ private:
 
     EngineHandover oldEngine;
     IParameterFreeze* oldParameters; ///< The old engine's, as long as that lives; null when it has none.
-    SampleBuffer
-        oldOutput; ///< [max(2, old speakers)][blockSize]; the release task's once phase has reached 1.
+    /// [max(2, old speakers)][blockSize]; the release task's once phase has reached 1.
+    SampleBuffer oldOutput;
     std::unique_ptr<IEngine> newEngine;
     IParameterFreeze* newParameters; ///< The new engine's; null when it has none.
     std::uint64_t framesToNewSound;  ///< What is left of the new engine's latency.
@@ -72,7 +72,6 @@ private:
     std::unique_ptr<zmtl::ISleep> sleep;
     std::atomic<bool> running{true};
     std::function<void()> fadeStarted;
-    bool fadeStartedCalled = false;
     std::future<void> releaseTask;
 };
 

@@ -58,7 +58,7 @@ Source sourceOf(const ISpatialParameterSetView& view) noexcept {
     return source;
 }
 
-float acosDegrees(float value) noexcept { return std::acos(value) * 180.0f / 3.14159274f; }
+float acosDegrees(float value) noexcept { return std::acos(value) * 180.0f / pi; }
 
 std::int32_t truncated(float value) noexcept { return static_cast<std::int32_t>(value); }
 

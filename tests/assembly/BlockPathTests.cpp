@@ -288,7 +288,7 @@ TEST(BlockPath, NeitherAllocatesNorLocksThroughAWholeCrossfade) {
     std::vector<float*> pointers = test::channelPointers(bus);
     orvane::SampleBuffer view(pointers.data(), 16, 64);
     product.chooseScene("Kitchen");
-    while (product.fadesStarted == 0) {
+    while (product.reloadsFinished == 0) {
         const test::RealtimeScope scope;
         product.manager->process(view, view);
         ASSERT_EQ(scope.violations().total(), 0u) << scope.violations();

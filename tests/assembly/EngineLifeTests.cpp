@@ -36,10 +36,10 @@ constexpr std::uint64_t blockSize = 64;
 
 /// Who built and who ended the engines of one manager. Has room for all beforehand, so as not to grow itself.
 struct Register {
-    static constexpr std::size_t room = 4096;
+    static constexpr std::size_t capacity = 4096;
     Register() {
-        builders.reserve(room);
-        enders.reserve(room);
+        builders.reserve(capacity);
+        enders.reserve(capacity);
     }
 
     std::atomic<int> alive{0};
@@ -109,7 +109,7 @@ protected:
                                             std::make_unique<CountingFilterFactory>(entries),
                                             [this] {
                                                 product.updateMappers();
-                                                ++fadesStarted;
+                                                ++reloadsFinished;
                                             }),
             product.parameterSet.get());
         manager->prepare(blockSize, sampleRate);
@@ -119,7 +119,7 @@ protected:
 
     /// Lets the next engine come into service, its fade end and the old engine die.
     void throughTheNextFade() {
-        for (const int before = fadesStarted; fadesStarted == before;)
+        for (const int before = reloadsFinished; reloadsFinished == before;)
             block();
         while (entries.alive > 1) {
             block();
@@ -151,7 +151,7 @@ protected:
     Product product;
     std::vector<std::string> layoutNames;
     std::size_t switched = 0;
-    std::atomic<int> fadesStarted{0};
+    std::atomic<int> reloadsFinished{0};
     test::Channels bus = test::Channels(16, std::vector<float>(blockSize, 0.1f));
     std::vector<float*> pointers = test::channelPointers(bus);
     orvane::SampleBuffer view{pointers.data(), 16, blockSize};

@@ -6,7 +6,6 @@
 #include "support/Clicks.h"
 #include "support/Signals.h"
 
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <algorithm>

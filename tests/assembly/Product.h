@@ -57,7 +57,7 @@ public:
         manager = factory.createEngineManager(speakerSetup.get(), layouts.get(), parameterSet.get(), hrir,
                                               dataDirectory, [this] {
                                                   updateMappers();
-                                                  ++fadesStarted;
+                                                  ++reloadsFinished;
                                               });
     }
 
@@ -100,8 +100,8 @@ public:
         return output;
     }
 
-    std::atomic<int> fadesStarted{
-        0}; ///< Two for each crossfade: one in its first block, one when its fade begins.
+    /// Two for each crossfade: one in its first block, one when its fade begins.
+    std::atomic<int> reloadsFinished{0};
     orvane::kestrum::core::ComponentFactory factory;
     SphericalHead ownHead;
     orvane::IHrir* hrir;

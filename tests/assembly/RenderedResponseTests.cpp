@@ -8,7 +8,6 @@
 #include "binaural/SpeakerBinauralProcessorBuilder.h"
 #include "support/NoiseHead.h"
 
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <algorithm>

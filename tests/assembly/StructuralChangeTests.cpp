@@ -9,6 +9,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <array>
 #include <atomic>
 #include <cmath>
 #include <cstdint>
@@ -69,7 +70,7 @@ public:
 
     /// Plays on until the next engine is in service, its fade is over and what it plays has settled.
     void throughTheNextFade() {
-        for (const int before = product.fadesStarted; product.fadesStarted == before;)
+        for (const int before = product.reloadsFinished; product.reloadsFinished == before;)
             block();
         blocks(30);
     }
@@ -192,9 +193,13 @@ struct EngineConstruction : ::testing::Test {
         return std::make_unique<orvane::kestrum::core::EngineFactory>(
             product.speakerSetup.get(), product.layouts.get(), &product.factory, product.parameterSet.get(),
             product.hrir, test::reverbFolder(), std::make_unique<orvane::kestrum::core::EngineBuilder>(),
-            std::make_unique<orvane::ReverbFilterFactory>(), [] {});
+            std::make_unique<orvane::ReverbFilterFactory>(), [this] {
+                ++reloads;
+                product.updateMappers();
+            });
     }
     Product product;
+    int reloads = 0; ///< Calls of reloadFinished.
 };
 
 TEST_F(EngineConstruction, EveryLayoutGivesAnEngineWithOneSpeakerPerChannel) {
@@ -225,53 +230,48 @@ TEST_F(EngineConstruction, ACrossfadedEngineCountsTheNewLayoutsSpeakers) {
     EXPECT_EQ(crossfaded->speakerCount(), 12u);
 }
 
-/// One constant block after the other through one engine; returns the left ear.
-std::vector<float> playConstant(orvane::IEngine& engine, int blocks) {
-    std::vector<float> left;
+using Ears = std::array<std::vector<float>, 2>;
+
+/// Constant blocks through one engine: 0.25 left and `right` right. What either ear hears.
+Ears play(orvane::IEngine& engine, int blocks, float right) {
+    Ears ears;
     orvane::SampleBuffer block(2, blockSize);
     for (int index = 0; index < blocks; ++index) {
-        for (std::uint64_t channel = 0; channel < 2; ++channel)
-            std::fill_n(block.channelPointers[channel], blockSize, 0.25f);
+        std::fill_n(block.channelPointers[0], blockSize, 0.25f);
+        std::fill_n(block.channelPointers[1], blockSize, right);
         engine.process(block, block);
-        left.insert(left.end(), block.channelPointers[0], block.channelPointers[0] + blockSize);
+        for (std::size_t ear = 0; ear < 2; ++ear)
+            ears[ear].insert(ears[ear].end(), block.channelPointers[ear],
+                             block.channelPointers[ear] + blockSize);
     }
-    return left;
+    return ears;
 }
+
+Ears playBoth(orvane::IEngine& engine, int blocks) { return play(engine, blocks, 0.25f); }
+
+/// In the left channel only, so that a turned head hears it elsewhere.
+Ears playLeft(orvane::IEngine& engine, int blocks) { return play(engine, blocks, 0.0f); }
 
 // Reference: an engine that is faded out sounds like one that nobody has touched.
 TEST_F(EngineConstruction, AUsersMoveDuringACrossfadeReachesTheNewEngineOnly) {
     const auto engines = engineFactory();
     const auto untouched = engines->createEngine(blockSize, sampleRate);
     std::shared_ptr<orvane::IEngine> old = engines->createEngine(blockSize, sampleRate);
-    const std::vector<float> settled = playConstant(*untouched, 1000);
-    playConstant(*old, 1000);
+    const float before = playBoth(*untouched, 1000)[0].back();
+    playBoth(*old, 1000);
     const auto crossfaded = engines->createCrossfadedEngine(std::move(old), blockSize, sampleRate);
-    const float before = settled.back();
-    EXPECT_NEAR(playConstant(*crossfaded, 1).back(), before, 1e-6f);
+    EXPECT_NEAR(playBoth(*crossfaded, 1)[0].back(), before, 1e-6f);
     product.masterGain->setValue(-96.0f);
-    const std::vector<float> fade = playConstant(*crossfaded, 7);
+    const std::vector<float> fade = playBoth(*crossfaded, 7)[0];
     for (std::size_t frame = 0; frame < 440; ++frame) // an old engine that followed would be gone by then
         ASSERT_GE(fade[frame], 0.99f * before * (1.0f - static_cast<float>(frame + 1) / 480.0f)) << frame;
-    EXPECT_NEAR(playConstant(*crossfaded, 60).back(), 0.0f, 1e-4f);
-}
-
-/// The tone in the left channel only, so that a turned head hears it elsewhere.
-std::vector<float> playLeft(orvane::IEngine& engine, int blocks) {
-    std::vector<float> ears;
-    orvane::SampleBuffer block(2, blockSize);
-    for (int index = 0; index < blocks; ++index) {
-        block.clear();
-        std::fill_n(block.channelPointers[0], blockSize, 0.25f);
-        engine.process(block, block);
-        for (std::uint64_t ear = 0; ear < 2; ++ear)
-            ears.insert(ears.end(), block.channelPointers[ear], block.channelPointers[ear] + blockSize);
-    }
-    return ears;
+    EXPECT_NEAR(playBoth(*crossfaded, 60)[0].back(), 0.0f, 1e-4f);
 }
 
 // Reference: two equal engines cancel out of a linear fade, if both turn with the head.
 TEST_F(EngineConstruction, TheHeadTurnsInBothEnginesOfACrossfade) {
     product.chooseScene("Analytic Dry"); // direct sound only, so that a new engine is at rest at once
+    product.updateMappers();
     const auto engines = engineFactory();
     const auto alone = engines->createEngine(blockSize, sampleRate);
     std::shared_ptr<orvane::IEngine> old = engines->createEngine(blockSize, sampleRate);
@@ -280,14 +280,22 @@ TEST_F(EngineConstruction, TheHeadTurnsInBothEnginesOfACrossfade) {
     const auto crossfaded = engines->createCrossfadedEngine(std::move(old), blockSize, sampleRate);
     EXPECT_EQ(playLeft(*crossfaded, 1), playLeft(*alone, 1));
     product.headRotation->setValue(90.0f);
-    std::vector<float> turned = playLeft(*alone, 20);
-    const std::vector<float> fading = playLeft(*crossfaded, 20);
+    const Ears turned = playLeft(*alone, 20);
+    const Ears fading = playLeft(*crossfaded, 20);
     // The new engine's own fade-in takes a quarter away in the middle of the fade, a little more for coming
     // through its response later; and its bass shelf is still settling.
-    for (std::size_t frame = 0; frame < turned.size(); ++frame) {
-        ASSERT_LE(std::abs(fading[frame]), std::abs(turned[frame]) * 1.01f + 1e-5f) << frame;
-        ASSERT_GE(std::abs(fading[frame]), std::abs(turned[frame]) * 0.72f - 1e-5f) << frame;
-    }
+    for (std::size_t ear = 0; ear < 2; ++ear)
+        for (std::size_t frame = 0; frame < turned[ear].size(); ++frame) {
+            ASSERT_LE(std::abs(fading[ear][frame]), std::abs(turned[ear][frame]) * 1.01f + 1e-5f) << frame;
+            ASSERT_GE(std::abs(fading[ear][frame]), std::abs(turned[ear][frame]) * 0.72f - 1e-5f) << frame;
+        }
+}
+
+TEST_F(EngineConstruction, WithoutAnOldEngineNothingIsToldOfAFade) {
+    const auto engines = engineFactory();
+    const auto first = engines->createCrossfadedEngine(nullptr, blockSize, sampleRate);
+    playBoth(*first, 12);
+    EXPECT_EQ(reloads, 0);
 }
 
 TEST_F(EngineConstruction, ACrossfadeNeitherAllocatesNorLocksFromItsFirstBlockOn) {

@@ -24,7 +24,7 @@ using orvane::kestrum::core::Scene;
 constexpr int sampleRate = 48000;
 constexpr std::size_t impulseAt = 24000; // by then the engine has faded in
 
-/// The response of the left loudspeaker of "2.0 +/-30\u00b0", as the program writes it; sample 0 is the impulse.
+/// The response of the left loudspeaker of "2.0 +/-30°", as the program writes it; sample 0 is the impulse.
 tools::EarResponses heardImpulse(std::string_view scene) {
     std::string name = "impulse_" + std::string(scene);
     std::replace(name.begin(), name.end(), ' ', '_');
@@ -33,7 +33,7 @@ tools::EarResponses heardImpulse(std::string_view scene) {
     test::writeSound(test::scratch(name + ".wav"), input);
     const std::string heard = test::scratch(name + "_heard.wav").string();
     EXPECT_EQ(test::kestrum("render \"" + test::scratch(name + ".wav").string() + "\" \"" + heard +
-                            "\" --layout \"2.0 +/-30\u00b0\" --scene \"" + std::string(scene) + "\""),
+                            "\" --layout \"2.0 +/-30°\" --scene \"" + std::string(scene) + "\""),
               0);
     const test::Sound output = test::readSound(heard);
     tools::EarResponses response;

@@ -61,7 +61,8 @@ EngineFactory::createCrossfadedEngine(std::shared_ptr<orvane::IEngine> oldEngine
                                       double sampleRate) {
     // The crossfade has frozen the old engine's values by the new one's first block. That block is the first
     // one heard, so it has to have the new Scene's values already, not only those that follow the fade's start.
-    std::unique_ptr<orvane::IEngine> newEngine = createEngine(blockSize, sampleRate, reloadFinished);
+    std::unique_ptr<orvane::IEngine> newEngine =
+        createEngine(blockSize, sampleRate, oldEngine != nullptr ? reloadFinished : nullptr);
     auto sleep = std::make_unique<zmtl::internal::Sleep<std::condition_variable_any>>();
     return std::make_unique<XFadedEngine>(std::move(oldEngine), std::move(newEngine), blockSize, sampleRate,
                                           fadeMilliseconds, std::move(sleep), reloadFinished);

@@ -33,7 +33,7 @@ public:
         engine->process(input, output);
     }
     std::uint64_t speakerCount() const noexcept override { return engine->speakerCount(); }
-    void freezeParameters() noexcept override { view->freeze(); }
+    void freezeParameters() noexcept ORVANE_REALTIME override { view->freeze(); }
 
 private:
     std::unique_ptr<EngineParameterView> view; ///< Borrowed by the engine, so it dies after it.
