@@ -14,8 +14,10 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <cstdlib>
 #include <fstream>
 #include <iterator>
+#include <limits>
 #include <numbers>
 #include <sstream>
 #include <string>
@@ -143,10 +145,14 @@ TEST_F(Report, ShowsAllPicturesOfARoomAndNeedsNothingFromOutside) {
                     HasSubstr("</svg>"));
 }
 
-TEST_F(Report, SaysWhichFilesOfTheHeadAreMissing) {
-    EXPECT_THAT(sectionOf("head"),
-                AllOf(HasSubstr("OVNdata120.dat: it is missing"), HasSubstr("OVNdata122.dat: it is missing"),
-                      Not(HasSubstr("OVNdata121.dat: "))));
+TEST_F(Report, SaysAtItsTopAndInTheConsoleWhichFilesAreNotSound) {
+    const std::string faults = between(page, "<div id=\"faults\">", "</div>");
+    EXPECT_LT(page.find("id=\"faults\""), page.find("<nav>"));
+    for (const std::string& text : {faults, told})
+        EXPECT_THAT(text, AllOf(HasSubstr("OVNdata120.dat: it is missing"), HasSubstr("kestrum data hrir"),
+                                HasSubstr("OVNdata512.dat: it is missing"), HasSubstr("kestrum data reverb"),
+                                HasSubstr("about.json: it is missing"), Not(HasSubstr("OVNdata121.dat")),
+                                Not(HasSubstr("OVNdata511.dat"))));
 }
 
 TEST(ReportOnAFolder, WithoutRoomsSaysSoAndShowsTheHead) {
@@ -161,6 +167,43 @@ TEST(ReportOnAFolder, WithoutRoomsSaysSoAndShowsTheHead) {
     EXPECT_EQ(countOf(page, "<img "), 5U);
     EXPECT_THAT(told.str(), HasSubstr("No rooms: "));
 }
+
+/// One number that is none, somewhere in the rooms: found before anything is rendered.
+TEST(ReportOnAFolder, WithDamagedRoomsSaysWhatIsWrongAndShowsTheHead) {
+    const test::TemporaryFolder data;
+    const test::TemporaryFolder out;
+    test::writeSyntheticHead(data.path());
+    test::writeSyntheticRooms(data.path());
+    {
+        const float notANumber = std::numeric_limits<float>::quiet_NaN();
+        std::fstream stream(data.file("OVNdata511.dat"), std::ios::binary | std::ios::in | std::ios::out);
+        stream.seekp(2 + 60 * 4 + 100000 * 8); // mark, table, frames
+        stream.write(reinterpret_cast<const char*>(&notANumber), sizeof notANumber);
+    }
+    std::ostringstream told;
+    writeFolderReport(data.path(), out.path(), quickOptions(), told);
+    const std::string page = contentOf(out.file("index.html"));
+    for (const std::string& text : {page, told.str()})
+        EXPECT_THAT(text,
+                    AllOf(HasSubstr("No rooms: OVNdata511.dat: room "),
+                          HasSubstr("holds samples that are no numbers"), HasSubstr("kestrum data reverb")));
+    EXPECT_THAT(told.str(), Not(HasSubstr("Mix Room: ")));
+    EXPECT_EQ(countOf(page, "<img "), 5U);
+}
+
+/// Puts another list of folders for programs in place as long as it lives.
+class ProgramPath {
+public:
+    explicit ProgramPath(const std::string& path) : before(std::getenv("PATH")) {
+        setenv("PATH", path.c_str(), 1);
+    }
+    ~ProgramPath() { setenv("PATH", before.c_str(), 1); }
+    ProgramPath(const ProgramPath&) = delete;
+    ProgramPath& operator=(const ProgramPath&) = delete;
+
+private:
+    std::string before;
+};
 
 /// @return the sentence that an action is refused with.
 template <typename Action>
@@ -181,6 +224,16 @@ TEST(ReportOnAFolder, IsRefusedWithARemedyWhereThereIsNothingToReadOrNoPlaceToWr
     EXPECT_THAT(
         refusal([&] { writeFolderReport(test::syntheticFolder(), "/proc/none", quickOptions(), told); }),
         AllOf(HasSubstr("cannot be written"), HasSubstr("give a folder")));
+}
+
+TEST(Plots, TellAMissingGnuplotFromOneThatFails) {
+    const test::TemporaryFolder out;
+    const std::vector<Plot> plots{{"broken", "", "plot [inf:undefined] 1"}};
+    EXPECT_THAT(
+        refusal([&] { drawPlots(plots, out.path()); }),
+        AllOf(HasSubstr("gnuplot failed"), HasSubstr(out.file("plots.gnuplot")), Not(HasSubstr("install"))));
+    const ProgramPath nothing(out.path());
+    EXPECT_THAT(refusal([&] { drawPlots(plots, out.path()); }), HasSubstr("install the package gnuplot-nox"));
 }
 
 TEST(ReportNumbers, AreRoundedWithATrueMinusAndNoNegativeNought) {

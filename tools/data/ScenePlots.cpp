@@ -309,6 +309,8 @@ Plot loudnessPlot(const SceneChapter& chapter) {
         names +=
             (index > 0 ? ", '" : "'") + std::string(finding.measures.scene) + "' " + std::to_string(index);
         for (const double level : {finding.stereoLufs, finding.surroundLufs}) {
+            if (!std::isfinite(level))
+                continue; // silence has no place on the axis
             lowest = std::min(lowest, level);
             highest = std::max(highest, level);
         }
