@@ -111,6 +111,7 @@ TEST_F(Report, ShowsTheMeasuresInItsTable) {
         ASSERT_TRUE(measures.target);
         EXPECT_THAT(row, HasSubstr(goal(measures.target->decaySeconds, 2) +
                                    cell(fixedText(measures.decaySeconds, 2), !decayWithin(measures)) +
+                                   cell(fixedText(measures.reverbDecaySeconds, 2), false) +
                                    goal(measures.target->clarity50Db, 1) +
                                    cell(fixedText(measures.clarity50Db, 1), !clarityWithin(measures)) +
                                    cell(fixedText(measures.clarity80Db, 1), false) +
@@ -128,7 +129,12 @@ TEST_F(Report, ShowsTheMeasuresInItsTable) {
 TEST_F(Report, MarksWhatLiesOutsideItsTolerance) {
     EXPECT_THAT(page, HasSubstr("Outside a tolerance:"));
     EXPECT_THAT(overviewRow("Stadium"), HasSubstr("missed")) << "0.4 s instead of 2.2 s";
-    EXPECT_THAT(sectionOf("stadium"), HasSubstr("Outside tolerance: T60"));
+    EXPECT_THAT(sectionOf("stadium"), HasSubstr("Outside tolerance: T60, shape"));
+    EXPECT_THAT(sectionOf("stadium"),
+                AllOf(HasSubstr("T60 of the whole, s"), HasSubstr("T60 of the reverb alone, s")));
+    EXPECT_THAT(between(page, "Outside a tolerance:", "</p>"),
+                AllOf(HasSubstr("Stadium (T60, shape"), HasSubstr("The reverb alone misses the shape")));
+    EXPECT_THAT(told, HasSubstr("Stadium: T60 of the whole "));
     EXPECT_THAT(overviewRow("Analytic Dry"), Not(HasSubstr("missed")));
 }
 
@@ -270,6 +276,24 @@ TEST(Tolerances, EndWhereTheyAreSaidToEnd) {
     EXPECT_TRUE(error.within());
     EXPECT_FALSE((CoherenceError{0.11, 0}.within()));
     EXPECT_FALSE((CoherenceError{0, 0.16}.within()));
+}
+
+/// The shape's ranges are the tolerance, and a control room's bass may last longer.
+TEST(Tolerances, OfTheShapeOfADecayAreItsRanges) {
+    const auto decays = [](double bass, double treble, double top) {
+        return OctaveDecays{{{bass, 30}, {1.1, 30}, {1, 30}, {1, 30}, {1, 30}, {treble, 30}, {top, 30}}};
+    };
+    const RoomTarget kitchen = *targetOf("Kitchen");
+    EXPECT_TRUE(shapeWithin(decays(1.39, 0.86, 0.84), kitchen));
+    EXPECT_FALSE(shapeWithin(decays(1.41, 0.9, 0.8), kitchen));
+    EXPECT_FALSE(shapeWithin(decays(1.19, 0.9, 0.8), kitchen));
+    EXPECT_FALSE(shapeWithin(decays(1.3, 0.84, 0.8), kitchen));
+    EXPECT_FALSE(shapeWithin(decays(1.3, 0.9, 0.86), kitchen));
+    EXPECT_FALSE(shapeWithin(decays(0, 0.9, 0.8), kitchen)) << "nothing measured";
+    EXPECT_FALSE(shapeWithin(OctaveDecays{}, kitchen));
+    for (const RoomTarget& target : roomTargets())
+        EXPECT_EQ(shapeWithin(decays(1.49, 0.9, 0.8), target), target.scene.starts_with("Mix Room"))
+            << target.scene;
 }
 
 TEST(Targets, ExistForEverySceneWithReverbAndNoOther) {

@@ -103,7 +103,8 @@ std::vector<SceneFindings> findScenes(const SceneProbe& probe, const FolderRepor
         const SceneMeasures& measures = findings.back().measures;
         out << scene << ": ";
         if (measures.target)
-            out << "T60 " << fixedText(measures.decaySeconds, 2) << " s, ";
+            out << "T60 of the whole " << fixedText(measures.decaySeconds, 2) << " s, of the reverb alone "
+                << fixedText(measures.reverbDecaySeconds, 2) << " s, ";
         out << "C50 " << ratioText(measures.clarity50Db, " dB") << ", direct over the rest "
             << ratioText(measures.directToRestDb, " dB") << ".\n"
             << std::flush;
@@ -131,7 +132,8 @@ constexpr const char* methods =
     "both ears' energies added.</li>"
     "<li>T60: T30 of ISO 3382, T20 where the decay does not reach deep enough, in octave bands filtered "
     "backwards "
-    "in time (Jacobsen and Rindel 1987). The figure in the table is the mean of 500 Hz and 1 kHz.</li>"
+    "in time (Jacobsen and Rindel 1987). The figure in the table is the mean of 500 Hz and 1 kHz. The goal "
+    "is for the whole response.</li>"
     "<li>C50, C80: energy up to 50 or 80 ms from the direct sound's arrival over the energy after it. Direct "
     "over "
     "the rest: the direct sound's energy over everything else's.</li>"

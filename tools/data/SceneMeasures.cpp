@@ -38,11 +38,14 @@ SceneMeasures measureScene(const SceneProbe& probe, std::string_view scene) {
     measures.decayDb = energyDecayDb(responses.full, sampleRate);
     measures.decays = octaveDecayTimes(responses.full, sampleRate);
     measures.decaySeconds = midDecaySeconds(measures.decays);
+    measures.reverbDecays = octaveDecayTimes(responses.reverb, sampleRate);
+    measures.reverbDecaySeconds = midDecaySeconds(measures.reverbDecays);
     measures.clarity50Db = clarityDb(responses.full, sampleRate, 0.05);
     measures.clarity80Db = clarityDb(responses.full, sampleRate, 0.08);
     measures.directToRestDb = directToRestDb(responses.direct, responses.rest());
     measures.density = densityFrom(responses.full, measures.onset, sampleRate, 0);
-    measures.reverbDensity = densityFrom(responses.reverb, measures.onset, sampleRate, measures.decaySeconds);
+    measures.reverbDensity =
+        densityFrom(responses.reverb, measures.onset, sampleRate, measures.reverbDecaySeconds);
     if (measures.target)
         measures.coherence = lateCoherence(responses.reverb, sampleRate,
                                            static_cast<double>(measures.onset) / sampleRate +
@@ -71,6 +74,14 @@ bool decayWithin(const SceneMeasures& measures) {
 bool clarityWithin(const SceneMeasures& measures) {
     return measures.target &&
            std::abs(measures.clarity50Db - measures.target->clarity50Db) <= clarityToleranceDb;
+}
+
+bool shapeWithin(const OctaveDecays& decays, const RoomTarget& target) {
+    const double middle = midDecaySeconds(decays);
+    return middle > 0 && std::ranges::all_of(target.decayShapes(), [&](const DecayShape& shape) {
+               const auto octave = std::ranges::find(roomOctavesHz, shape.centreHz) - roomOctavesHz.begin();
+               return shape.holds(decays[static_cast<std::size_t>(octave)].seconds / middle);
+           });
 }
 
 } // namespace orvane::kestrum::tools
