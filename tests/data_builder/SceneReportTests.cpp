@@ -296,6 +296,21 @@ TEST(Tolerances, OfTheShapeOfADecayAreItsRanges) {
             << target.scene;
 }
 
+/// A window that is centred on the goal still holds what came before it.
+TEST(Tolerances, OfFullDensityAreHalfOfItsWindow) {
+    SceneMeasures measures;
+    measures.reverbDensity = {0.001, 0.02, {}, 0.031};
+    EXPECT_FALSE(densityWithin(measures)) << "no target";
+    measures.target = targetOf("Kitchen"); // 22 ms
+    EXPECT_TRUE(densityWithin(measures));
+    measures.reverbDensity.fullSeconds = 0.0325;
+    EXPECT_FALSE(densityWithin(measures));
+    measures.reverbDensity.fullSeconds = -1;
+    EXPECT_FALSE(densityWithin(measures)) << "never full";
+    EXPECT_EQ(densityWindowSeconds(measures.target), 0.02);
+    EXPECT_EQ(densityWindowSeconds(targetOf("Van")), 0.005);
+}
+
 TEST(Targets, ExistForEverySceneWithReverbAndNoOther) {
     for (const Scene::Preset& preset : Scene::presets())
         EXPECT_EQ(targetOf(preset.name).has_value(), preset.reverbOn) << preset.name;

@@ -8,12 +8,14 @@ namespace orvane::kestrum::tools {
 
 namespace {
 
+constexpr double longWindowSeconds = 0.02; // the authors' own
+
 /// Mean of both ears' densities and of their times, counted from the onset.
 EchoDensity densityFrom(const EarResponses& response, std::size_t onset, double sampleRate,
-                        double decaySeconds) {
+                        double decaySeconds, double windowSeconds) {
     const auto ofEar = [&](std::size_t ear) {
         return echoDensity(std::span(response[ear]).subspan(std::min(onset, response[ear].size())),
-                           sampleRate, decaySeconds);
+                           sampleRate, decaySeconds, windowSeconds);
     };
     EchoDensity density = ofEar(leftEar);
     const EchoDensity other = ofEar(rightEar);
@@ -26,6 +28,11 @@ EchoDensity densityFrom(const EarResponses& response, std::size_t onset, double 
 }
 
 } // namespace
+
+double densityWindowSeconds(const std::optional<RoomTarget>& target) {
+    constexpr double shortWindowSeconds = 0.005;
+    return target && target->fullDensitySeconds < longWindowSeconds ? shortWindowSeconds : longWindowSeconds;
+}
 
 SceneMeasures measureScene(const SceneProbe& probe, std::string_view scene) {
     const double sampleRate = probe.settings().sampleRate;
@@ -43,9 +50,9 @@ SceneMeasures measureScene(const SceneProbe& probe, std::string_view scene) {
     measures.clarity50Db = clarityDb(responses.full, sampleRate, 0.05);
     measures.clarity80Db = clarityDb(responses.full, sampleRate, 0.08);
     measures.directToRestDb = directToRestDb(responses.direct, responses.rest());
-    measures.density = densityFrom(responses.full, measures.onset, sampleRate, 0);
-    measures.reverbDensity =
-        densityFrom(responses.reverb, measures.onset, sampleRate, measures.reverbDecaySeconds);
+    measures.density = densityFrom(responses.full, measures.onset, sampleRate, 0, longWindowSeconds);
+    measures.reverbDensity = densityFrom(responses.reverb, measures.onset, sampleRate,
+                                         measures.reverbDecaySeconds, densityWindowSeconds(measures.target));
     if (measures.target)
         measures.coherence = lateCoherence(responses.reverb, sampleRate,
                                            static_cast<double>(measures.onset) / sampleRate +
@@ -74,6 +81,12 @@ bool decayWithin(const SceneMeasures& measures) {
 bool clarityWithin(const SceneMeasures& measures) {
     return measures.target &&
            std::abs(measures.clarity50Db - measures.target->clarity50Db) <= clarityToleranceDb;
+}
+
+bool densityWithin(const SceneMeasures& measures) {
+    const EchoDensity& density = measures.reverbDensity;
+    return measures.target && density.fullSeconds >= 0 &&
+           density.fullSeconds <= measures.target->fullDensitySeconds + density.windowSeconds / 2;
 }
 
 bool shapeWithin(const OctaveDecays& decays, const RoomTarget& target) {

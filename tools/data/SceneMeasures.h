@@ -31,6 +31,9 @@ struct SceneMeasures {
     EchoDensity reverbDensity;            ///< Of the reverb alone, from the onset on, its decay undone.
 };
 
+/// What a reverb's density is measured with: short where it is to be full before a long window could tell.
+double densityWindowSeconds(const std::optional<RoomTarget>& target);
+
 /// @throws DataError as the probe does.
 SceneMeasures measureScene(const SceneProbe& probe, std::string_view scene);
 
@@ -46,6 +49,10 @@ CoherenceError coherenceError(std::span<const CoherenceBand> measured, std::span
 /// Whether the figures that have tolerances keep within them.
 bool decayWithin(const SceneMeasures& measures);
 bool clarityWithin(const SceneMeasures& measures);
+
+/// Whether the reverb is dense by its time, as far as its window can tell: at full density from then on, a window that
+/// begins there is full throughout.
+bool densityWithin(const SceneMeasures& measures);
 
 /// Whether every octave that has a range keeps to it; one without a decay time does not.
 bool shapeWithin(const OctaveDecays& decays, const RoomTarget& target);

@@ -213,16 +213,17 @@ Plot densityPlot(const Place& place, const SceneMeasures& measures) {
     }
     const std::string file = "'" + place.tableName("density") + "'";
     std::string script = "set xlabel 'time from the direct sound (ms)'; set ylabel 'echo density'; set grid\n"
-                         "set xrange [0:250]; set yrange [0:1.5]; set key top right horizontal\n";
+                         "set xrange [0:250]; set yrange [0:2]; set ytics 0.5; set key above\n";
     const std::string full = shortest(measures.target->fullDensitySeconds * 1000);
-    script += "set arrow from " + full + ",0 to " + full + ",1.2 nohead dt 2 lw 1.5 lc rgb '#0072b2'\n" +
-              "set label 'to be full by here' at " + full + ",1.26 textcolor rgb '#0072b2'\n" +
+    script += "set arrow from " + full + ",0 to " + full + ",1.75 nohead dt 2 lw 1.5 lc rgb '#0072b2'\n" +
+              "set label 'to be full by here' at " + full + ",1.86 textcolor rgb '#0072b2'\n" +
               "plot 1 with lines dt 2 lc rgb '#999999' notitle, " + file +
               " using 1:2 with lines lw 1.2 lc rgb '#d55e00' title 'whole', " + file +
               " using 1:3 with lines lw 1.8 lc rgb '#000000' title 'reverb alone'";
     return {place.name("density"),
-            "Echo density (Abel and Huang), windows of 20 ms, mean of both ears; 1 is that of noise.", script,
-            halfWidth, halfHeight};
+            "Echo density (Abel and Huang), mean of both ears; 1 is that of noise. Windows of 20 ms, of " +
+                shortest(measures.reverbDensity.windowSeconds * 1000) + " ms for the reverb alone.",
+            script, halfWidth, halfHeight};
 }
 
 /// Power in third-octave bands, mean of both ears, in decibels.
