@@ -64,7 +64,7 @@ TEST_F(ShippedRooms, DecayAsTheirScenesAreTo) {
         const OctaveDecays decays = octaveDecayTimes(rendered[target.scene].reverb, rate);
         const double middle = midDecaySeconds(decays);
         EXPECT_NEAR(middle, target.decaySeconds, decayTolerance * target.decaySeconds) << target.scene;
-        for (const DecayShape& shape : decayShapes()) {
+        for (const DecayShape& shape : target.decayShapes()) {
             const auto octave = std::ranges::find(roomOctavesHz, shape.centreHz) - roomOctavesHz.begin();
             const double ratio = decays[static_cast<std::size_t>(octave)].seconds / middle;
             EXPECT_GE(ratio, shape.least) << target.scene << " at " << shape.centreHz;

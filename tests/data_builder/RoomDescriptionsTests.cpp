@@ -78,7 +78,7 @@ TEST(RoomDescriptions, AgreeWithWhatTheScenesAreToMeasureLike) {
             EXPECT_NEAR(middle, target.decaySeconds, decayTolerance * target.decaySeconds) << target.scene;
         }
         EXPECT_LE(room.mixingMs, target.fullDensitySeconds * 1000 + 1e-9) << target.scene;
-        for (const DecayShape& shape : decayShapes()) {
+        for (const DecayShape& shape : target.decayShapes()) {
             // An octave too narrow for so short a decay is told as what comes out right in it.
             if (t60At(room, shape.centreHz) * shape.centreHz / std::numbers::sqrt2 < 12)
                 continue;

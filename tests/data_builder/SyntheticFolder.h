@@ -3,11 +3,14 @@
 
 #include "data/Grid.h"
 #include "data/ResponseSet.h"
+#include "data/ReverbCalibration.h"
 
 #include "support/ReverbFiles.h"
 #include "support/SphericalHead.h"
 #include "support/WaveFile.h"
 
+#include <algorithm>
+#include <cmath>
 #include <string>
 
 namespace test {
@@ -31,12 +34,30 @@ inline void writeSyntheticHead(const std::string& folder) {
     writeResponseSet(set, folder);
 }
 
+/// Writes the rooms of 48 kHz, each the same decaying noise at the level that is made for it.
+inline void writeSyntheticRooms(const std::string& folder) {
+    using namespace orvane::kestrum::tools;
+    ReverbSet set{reverbFiles[1], {}};
+    const Signal noise = decayingNoise(static_cast<std::uint32_t>(set.file.sampleRate));
+    for (const RoomDescription& room : roomDescriptions()) {
+        const Samples silence(frameCountAt(room, set.file.sampleRate));
+        ReverbEntry entry{room.room, {silence, silence}};
+        const LevelRange range = levelRange(room.room);
+        const double gain = std::pow(10.0, (range.from + range.to) / 40);
+        for (std::size_t frame = 0; frame < std::min(silence.size(), noise.size() / 2); ++frame)
+            for (std::size_t ear = 0; ear < 2; ++ear)
+                entry.ears[ear][frame] = gain * static_cast<double>(noise[2 * frame + ear]);
+        set.entries.push_back(std::move(entry));
+    }
+    writeReverbSet(set, folder);
+}
+
 /// A data folder of the process, made at the first call: a synthetic head at 48 kHz and rooms of decaying noise.
 inline const std::string& syntheticFolder() {
     static const TemporaryFolder folder;
     static const std::string path = [] {
         writeSyntheticHead(folder.path());
-        writeReverbFiles(folder.path());
+        writeSyntheticRooms(folder.path());
         return folder.path();
     }();
     return path;

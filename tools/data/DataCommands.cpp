@@ -137,7 +137,8 @@ void addCheckCommand(CLI::App& data, std::ostream& out) {
 }
 
 void addDataCommands(CLI::App& program, std::ostream& out) {
-    CLI::App* const data = program.add_subcommand("data", "Makes and checks the plug-in's data files.");
+    CLI::App* const data =
+        program.add_subcommand("data", "Makes, checks and shows the plug-in's data files.");
     data->require_subcommand(1);
     addHrirCommand(*data, out);
     addCheckCommand(*data, out);

@@ -66,7 +66,7 @@ EchoDensity echoDensity(std::span<const double> response, double sampleRate, dou
     double peak = 0;
     for (const double sample : response)
         peak = std::max(peak, std::abs(sample));
-    EchoDensity density{step, {}, -1};
+    EchoDensity density{step, windowSeconds, {}, -1};
     for (std::size_t index = 0;; ++index) {
         const double seconds = static_cast<double>(index) * step;
         const auto centre = static_cast<std::size_t>(std::lround(seconds * sampleRate));

@@ -3,6 +3,7 @@
 
 #include "data/About.h"
 #include "data/DataError.h"
+#include "data/FolderCheck.h"
 #include "data/HeadPlots.h"
 #include "data/Loudness.h"
 #include "data/ReverbFile.h"
@@ -19,38 +20,48 @@ namespace orvane::kestrum::tools {
 
 namespace {
 
-/// The response files that a folder holds, and why the others cannot be shown.
-struct HeadFiles {
+const FileVerdict& verdictOn(std::string_view file, const std::vector<FileVerdict>& verdicts) {
+    return *std::ranges::find(verdicts, file, &FileVerdict::name);
+}
+
+std::string faultText(const FileVerdict& verdict) {
+    return verdict.name + ": " + verdict.finding + "; " + verdict.remedy;
+}
+
+/// The responses that can be relied on.
+std::vector<ResponseSet> readHead(const std::filesystem::path& data,
+                                  const std::vector<FileVerdict>& verdicts) {
     std::vector<ResponseSet> sets;
-    std::vector<std::string> faults;
-};
-
-HeadFiles readHead(const std::filesystem::path& data) {
-    HeadFiles head;
-    for (const ResponseFile& file : responseFiles) {
-        try {
-            head.sets.push_back(readResponseSet(file, data));
-        } catch (const DataError& error) {
-            head.faults.push_back(std::string(file.name) + ": " + error.what());
-        }
-    }
-    if (head.sets.empty())
-        throw DataError("\"" + data.string() +
-                        "\" holds no responses of a head: make them with \"kestrum data hrir --out " +
-                        data.string() + "\".");
-    return head;
+    for (const ResponseFile& file : responseFiles)
+        if (verdictOn(file.name, verdicts).sound)
+            sets.push_back(readResponseSet(file, data));
+    if (sets.empty())
+        throw DataError("\"" + data.string() + "\" holds no responses of a head that can be relied on (" +
+                        verdicts.front().name + ": " + verdicts.front().finding +
+                        "): make them with \"kestrum data hrir --out " + data.string() + "\".");
+    return sets;
 }
 
-const ResponseSet* setOfRate(const HeadFiles& head, double sampleRate) {
-    const auto found = std::ranges::find_if(
-        head.sets, [&](const ResponseSet& set) { return set.file.sampleRate == sampleRate; });
-    return found == head.sets.end() ? nullptr : &*found;
+const ResponseSet* setOfRate(const std::vector<ResponseSet>& sets, double sampleRate) {
+    const auto found =
+        std::ranges::find_if(sets, [&](const ResponseSet& set) { return set.file.sampleRate == sampleRate; });
+    return found == sets.end() ? nullptr : &*found;
 }
 
-bool holdsRooms(const std::filesystem::path& data, double sampleRate) {
-    return std::ranges::any_of(reverbFiles, [&](const ReverbFile& file) {
-        return file.sampleRate == sampleRate && std::filesystem::is_regular_file(data / file.name);
-    });
+/// Why the Scenes cannot be rendered at a rate; empty where they can. A damaged file would be found out only after all
+/// of them are rendered.
+std::string hindrance(double sampleRate, const std::vector<FileVerdict>& verdicts) {
+    std::vector<std::string_view> needed;
+    for (const ResponseFile& file : responseFiles)
+        if (file.sampleRate == sampleRate)
+            needed.push_back(file.name);
+    for (const ReverbFile& file : reverbFiles)
+        if (file.sampleRate == sampleRate)
+            needed.push_back(file.name);
+    for (const std::string_view name : needed)
+        if (const FileVerdict& verdict = verdictOn(name, verdicts); !verdict.sound)
+            return faultText(verdict);
+    return needed.empty() ? "no data file is made for " + shortest(sampleRate) + " Hz." : "";
 }
 
 std::vector<std::string_view> wantedScenes(const FolderReportOptions& options) {
@@ -92,7 +103,8 @@ std::vector<SceneFindings> findScenes(const SceneProbe& probe, const FolderRepor
         const SceneMeasures& measures = findings.back().measures;
         out << scene << ": ";
         if (measures.target)
-            out << "T60 " << fixedText(measures.decaySeconds, 2) << " s, ";
+            out << "T60 of the whole " << fixedText(measures.decaySeconds, 2) << " s, of the reverb alone "
+                << fixedText(measures.reverbDecaySeconds, 2) << " s, ";
         out << "C50 " << ratioText(measures.clarity50Db, " dB") << ", direct over the rest "
             << ratioText(measures.directToRestDb, " dB") << ".\n"
             << std::flush;
@@ -120,7 +132,8 @@ constexpr const char* methods =
     "both ears' energies added.</li>"
     "<li>T60: T30 of ISO 3382, T20 where the decay does not reach deep enough, in octave bands filtered "
     "backwards "
-    "in time (Jacobsen and Rindel 1987). The figure in the table is the mean of 500 Hz and 1 kHz.</li>"
+    "in time (Jacobsen and Rindel 1987). The figure in the table is the mean of 500 Hz and 1 kHz. The goal "
+    "is for the whole response.</li>"
     "<li>C50, C80: energy up to 50 or 80 ms from the direct sound's arrival over the energy after it. Direct "
     "over "
     "the rest: the direct sound's energy over everything else's.</li>"
@@ -129,18 +142,28 @@ constexpr const char* methods =
     "band undone. "
     "The "
     "diffuse field is the same figure over all directions of the head, each by its share of the sphere.</li>"
-    "<li>Echo density: Abel and Huang 2006, Hann windows of 20 ms. For the reverb alone the decay inside the "
+    "<li>Echo density: Abel and Huang 2006, Hann windows of 20 ms, of 5 ms for a reverb that is to be dense "
+    "before 20 ms. For the reverb alone the decay inside the "
     "window is undone. Noise itself keeps within some 0.1 of 1, so the moment of the first 1 is a rough "
     "one.</li>"
     "<li>Loudness: ITU-R BS.1770, integrated; pink noise, −20 dB RMS, of its own on every channel; the "
     "low-frequency channel is silent.</li></ul></section>\n";
 
-std::string headSection(const HeadFiles& head, std::span<const Plot> plots,
-                        const std::filesystem::path& folder) {
-    std::string text = "<section id=\"head\"><h2>Head</h2>\n";
-    for (const std::string& fault : head.faults)
-        text += "<p class=\"missed\">" + escaped(fault) + "</p>\n";
-    text += "<div class=\"pair\">";
+/// What is wrong with the data, for the top of the page; nothing where all is sound.
+std::string faultList(const std::vector<FileVerdict>& verdicts) {
+    std::string items;
+    for (const FileVerdict& verdict : verdicts)
+        if (!verdict.sound)
+            items += "<li>" + escaped(faultText(verdict)) + "</li>\n";
+    return items.empty()
+               ? ""
+               : "<div id=\"faults\"><p class=\"missed\">Files of this folder are missing or damaged:</p>\n"
+                 "<ul>\n" +
+                     items + "</ul></div>\n";
+}
+
+std::string headSection(std::span<const Plot> plots, const std::filesystem::path& folder) {
+    std::string text = "<section id=\"head\"><h2>Head</h2>\n<div class=\"pair\">";
     for (const Plot& plot : plots)
         text += figureElement(plot, folder);
     return text + "</div></section>\n";
@@ -155,23 +178,18 @@ std::string originSection(const std::filesystem::path& data) {
 }
 
 /// The chapter on the Scenes, or why there is none.
-std::string sceneChapter(const HeadFiles& head, const std::filesystem::path& data,
-                         const std::filesystem::path& plotFolder, const FolderReportOptions& options,
-                         std::ostream& out) {
-    const ResponseSet* const set = setOfRate(head, options.probe.sampleRate);
-    if (set == nullptr || !holdsRooms(data, options.probe.sampleRate)) {
-        const std::string reason = "No rooms: \"" + data.string() +
-                                   "\" lacks the responses of head or rooms at " +
-                                   shortest(options.probe.sampleRate) +
-                                   " Hz. \"kestrum data hrir\" and \"kestrum data reverb\" make them.";
-        out << reason << "\n";
-        return "<section id=\"overview\"><h2>Rooms</h2>\n<p class=\"missed\">" + escaped(reason) +
+std::string sceneChapter(const std::vector<ResponseSet>& head, const std::vector<FileVerdict>& verdicts,
+                         const std::filesystem::path& data, const std::filesystem::path& plotFolder,
+                         const FolderReportOptions& options, std::ostream& out) {
+    if (const std::string reason = hindrance(options.probe.sampleRate, verdicts); !reason.empty()) {
+        out << "No rooms: " << reason << "\n";
+        return "<section id=\"overview\"><h2>Rooms</h2>\n<p class=\"missed\">No rooms: " + escaped(reason) +
                "</p></section>\n";
     }
     const SceneProbe probe(data, options.probe);
     const std::vector<SceneFindings> findings = findScenes(probe, options, out);
-    const std::vector<CoherenceBand> target =
-        diffuseFieldCoherence(set->responses, gridWeights(), options.probe.sampleRate);
+    const std::vector<CoherenceBand> target = diffuseFieldCoherence(
+        setOfRate(head, options.probe.sampleRate)->responses, gridWeights(), options.probe.sampleRate);
     const SceneChapter chapter{findings, target, options.probe.sampleRate, plotFolder};
     const std::vector<Plot> plots = writeScenePlots(chapter);
     drawPlots(plots, plotFolder);
@@ -182,20 +200,24 @@ std::string sceneChapter(const HeadFiles& head, const std::filesystem::path& dat
 
 void writeFolderReport(const std::filesystem::path& data, const std::filesystem::path& folder,
                        const FolderReportOptions& options, std::ostream& out) {
-    const HeadFiles head = readHead(data);
+    const std::vector<FileVerdict> verdicts = checkDataFolder(data);
+    const std::vector<ResponseSet> head = readHead(data, verdicts);
     const std::filesystem::path plotFolder = folder / "plots";
     std::error_code failure;
     std::filesystem::create_directories(plotFolder, failure);
     if (failure)
         throw DataError("The report cannot be written to \"" + folder.string() +
                         "\": give a folder that you may write to.");
-    const ResponseSets sets(head.sets.begin(), head.sets.end());
+    for (const FileVerdict& verdict : verdicts)
+        if (!verdict.sound)
+            out << "FAULT  " << faultText(verdict) << "\n";
+    const ResponseSets sets(head.begin(), head.end());
     const std::vector<Plot> headPlots = writeHeadPlots(sets, {}, plotFolder);
     drawPlots(headPlots, plotFolder);
-    writePage(
-        pageHead("Orvane KESTRUM: rooms and head") + sceneChapter(head, data, plotFolder, options, out) +
-            headSection(head, headPlots, plotFolder) + methods + originSection(data) + "</body>\n</html>\n",
-        folder);
+    writePage(pageHead("Orvane KESTRUM: rooms and head") + faultList(verdicts) +
+                  sceneChapter(head, verdicts, data, plotFolder, options, out) +
+                  headSection(headPlots, plotFolder) + methods + originSection(data) + "</body>\n</html>\n",
+              folder);
     out << "Report: " << (folder / "index.html").string() << "\n";
 }
 

@@ -19,10 +19,12 @@ struct FolderReportOptions {
 
 /// Writes "index.html", one page with everything in it: the rooms' figures beside their targets, their loudness, per
 /// Scene the measures of its rendered impulse, and plots of the head's responses. The numbers behind the plots lie in
-/// "plots". Without the rooms' files the page says so and shows the head alone.
+/// "plots". Every file that is missing or damaged is named at the top, with its remedy; where the rooms cannot be relied
+/// on the page shows the head alone.
 ///
-/// @param out told about each Scene as it is done.
-/// @throws DataError when `data` holds no responses of a head, `folder` cannot be written, or gnuplot is missing.
+/// @param out told about each such file and each Scene as it is done.
+/// @throws DataError when `data` holds no sound responses of a head, `folder` cannot be written, or gnuplot is missing
+///         or fails.
 void writeFolderReport(const std::filesystem::path& data, const std::filesystem::path& folder,
                        const FolderReportOptions& options, std::ostream& out);
 

@@ -4,6 +4,7 @@
 #include "data/DataError.h"
 
 #include <nettle/base64.h>
+#include <sys/wait.h>
 
 #include <cmath>
 #include <cstdint>
@@ -57,9 +58,13 @@ void drawPlots(std::span<const Plot> plots, const std::filesystem::path& folder)
         quoted += letter == '\'' ? std::string("'\\''") : std::string(1, letter);
     // The shell is needed for the working folder only; the folder's name is quoted whole.
     const int result = std::system(("cd '" + quoted + "' && gnuplot plots.gnuplot").c_str());
+    constexpr int commandNotFound = 127; // of the POSIX shell
+    if (WIFEXITED(result) && WEXITSTATUS(result) == commandNotFound)
+        throw DataError("The plots cannot be drawn without gnuplot: install the package gnuplot-nox.");
     if (result != 0)
-        throw DataError(
-            "The plots cannot be drawn: install the package gnuplot-nox, or leave the report out.");
+        throw DataError("The plots cannot be drawn: gnuplot failed on \"" +
+                        (folder / "plots.gnuplot").string() +
+                        "\". What it says above names the line; the tables that it draws lie beside it.");
 }
 
 std::string figureElement(const Plot& plot, const std::filesystem::path& folder) {

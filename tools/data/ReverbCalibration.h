@@ -13,8 +13,8 @@ namespace orvane::kestrum::tools {
 struct SceneFigures {
     std::string_view scene;
     int room = 0;
-    double levelDb = 0; ///< Of the room's response over a peak of 1.
-    double decaySeconds = 0;
+    double levelDb = 0;      ///< Of the room's response over a peak of 1.
+    double decaySeconds = 0; ///< Of the reverb alone.
     double decayTarget = 0;
     double clarity50Db = 0;
     double clarity50Target = 0;

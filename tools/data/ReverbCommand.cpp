@@ -33,10 +33,11 @@ void tellFigures(const std::vector<SceneFigures>& figures, std::ostream& out) {
     out << std::fixed;
     for (const SceneFigures& scene : figures)
         out << "  " << std::left << std::setw(15) << scene.scene << std::right << std::showpos
-            << std::setprecision(1) << scene.levelDb << std::noshowpos << " dB: T60 " << std::setprecision(2)
-            << scene.decaySeconds << " s (goal " << scene.decayTarget << "), C50 " << std::setprecision(1)
-            << scene.clarity50Db << " dB (goal " << scene.clarity50Target << "), direct to all the rest "
-            << scene.directToRestDb << " dB (goal " << scene.directToRestTarget << ").\n";
+            << std::setprecision(1) << scene.levelDb << std::noshowpos << " dB: T60 of the reverb alone "
+            << std::setprecision(2) << scene.decaySeconds << " s (goal " << scene.decayTarget << "), C50 "
+            << std::setprecision(1) << scene.clarity50Db << " dB (goal " << scene.clarity50Target
+            << "), direct to all the rest " << scene.directToRestDb << " dB (goal "
+            << scene.directToRestTarget << ").\n";
 }
 
 } // namespace

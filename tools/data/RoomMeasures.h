@@ -104,6 +104,7 @@ std::vector<CoherenceBand> diffuseFieldCoherence(std::span<const EarResponses> r
 /// deviation, over the share that Gaussian noise has there. 0 for single echoes, 1 for a full density.
 struct EchoDensity {
     double stepSeconds = 0;
+    double windowSeconds = 0;
     Samples
         values; ///< Of windows centred at 0, stepSeconds, 2 stepSeconds...; 0 where all is 100 dB under the peak.
     double fullSeconds = 0; ///< Centre of the first window that reaches 1; negative when none does.

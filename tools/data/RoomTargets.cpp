@@ -9,11 +9,11 @@ namespace orvane::kestrum::tools {
 namespace {
 
 // Scene, entry, volume (m3), T60 (s), C50 (dB), direct to the rest (dB), full density by (s). "Cinema" and "Home
-// Theater" share an entry and differ by their decay rows.
+// Theater" share an entry and differ by their decay rows. Control rooms may last longer in the bass.
 constexpr std::array<RoomTarget, 14> targets{{
-    {"Mix Room", 56, 90, 0.28, 20, 7, 0.025},
-    {"Mix Room Small", 43, 45, 0.22, 24, 9, 0.023},
-    {"Mix Room Large", 45, 180, 0.32, 14, 4, 0.029},
+    {"Mix Room", 56, 90, 0.28, 20, 7, 0.025, 1.5},
+    {"Mix Room Small", 43, 45, 0.22, 24, 9, 0.023, 1.5},
+    {"Mix Room Large", 45, 180, 0.32, 14, 4, 0.029, 1.5},
     {"Live Venue", 49, 4500, 1.0, 1, -5, 0.065},
     {"Stadium", 34, 0, 2.2, 0, -5, 0.150},
     {"Acoustic Venue", 31, 4000, 1.35, 2, -1, 0.060},
@@ -27,11 +27,11 @@ constexpr std::array<RoomTarget, 14> targets{{
     {"Kitchen", 28, 30, 0.45, 8, -3, 0.022},
 }};
 
-constexpr std::array<DecayShape, 3> shapes{{{125, 1.2, 1.4}, {4000, 0.85, 0.95}, {8000, 0.7, 0.85}}};
-
 } // namespace
 
-std::span<const DecayShape> decayShapes() { return shapes; }
+std::array<DecayShape, 3> RoomTarget::decayShapes() const {
+    return {{{125, 1.2, bassMost}, {4000, 0.85, 0.95}, {8000, 0.7, 0.85}}};
+}
 
 std::span<const RoomTarget> roomTargets() { return targets; }
 

@@ -8,12 +8,14 @@ namespace orvane::kestrum::tools {
 
 namespace {
 
+constexpr double longWindowSeconds = 0.02; // the authors' own
+
 /// Mean of both ears' densities and of their times, counted from the onset.
 EchoDensity densityFrom(const EarResponses& response, std::size_t onset, double sampleRate,
-                        double decaySeconds) {
+                        double decaySeconds, double windowSeconds) {
     const auto ofEar = [&](std::size_t ear) {
         return echoDensity(std::span(response[ear]).subspan(std::min(onset, response[ear].size())),
-                           sampleRate, decaySeconds);
+                           sampleRate, decaySeconds, windowSeconds);
     };
     EchoDensity density = ofEar(leftEar);
     const EchoDensity other = ofEar(rightEar);
@@ -27,6 +29,11 @@ EchoDensity densityFrom(const EarResponses& response, std::size_t onset, double 
 
 } // namespace
 
+double densityWindowSeconds(const std::optional<RoomTarget>& target) {
+    constexpr double shortWindowSeconds = 0.005;
+    return target && target->fullDensitySeconds < longWindowSeconds ? shortWindowSeconds : longWindowSeconds;
+}
+
 SceneMeasures measureScene(const SceneProbe& probe, std::string_view scene) {
     const double sampleRate = probe.settings().sampleRate;
     SceneMeasures measures;
@@ -38,11 +45,14 @@ SceneMeasures measureScene(const SceneProbe& probe, std::string_view scene) {
     measures.decayDb = energyDecayDb(responses.full, sampleRate);
     measures.decays = octaveDecayTimes(responses.full, sampleRate);
     measures.decaySeconds = midDecaySeconds(measures.decays);
+    measures.reverbDecays = octaveDecayTimes(responses.reverb, sampleRate);
+    measures.reverbDecaySeconds = midDecaySeconds(measures.reverbDecays);
     measures.clarity50Db = clarityDb(responses.full, sampleRate, 0.05);
     measures.clarity80Db = clarityDb(responses.full, sampleRate, 0.08);
     measures.directToRestDb = directToRestDb(responses.direct, responses.rest());
-    measures.density = densityFrom(responses.full, measures.onset, sampleRate, 0);
-    measures.reverbDensity = densityFrom(responses.reverb, measures.onset, sampleRate, measures.decaySeconds);
+    measures.density = densityFrom(responses.full, measures.onset, sampleRate, 0, longWindowSeconds);
+    measures.reverbDensity = densityFrom(responses.reverb, measures.onset, sampleRate,
+                                         measures.reverbDecaySeconds, densityWindowSeconds(measures.target));
     if (measures.target)
         measures.coherence = lateCoherence(responses.reverb, sampleRate,
                                            static_cast<double>(measures.onset) / sampleRate +
@@ -71,6 +81,20 @@ bool decayWithin(const SceneMeasures& measures) {
 bool clarityWithin(const SceneMeasures& measures) {
     return measures.target &&
            std::abs(measures.clarity50Db - measures.target->clarity50Db) <= clarityToleranceDb;
+}
+
+bool densityWithin(const SceneMeasures& measures) {
+    const EchoDensity& density = measures.reverbDensity;
+    return measures.target && density.fullSeconds >= 0 &&
+           density.fullSeconds <= measures.target->fullDensitySeconds + density.windowSeconds / 2;
+}
+
+bool shapeWithin(const OctaveDecays& decays, const RoomTarget& target) {
+    const double middle = midDecaySeconds(decays);
+    return middle > 0 && std::ranges::all_of(target.decayShapes(), [&](const DecayShape& shape) {
+               const auto octave = std::ranges::find(roomOctavesHz, shape.centreHz) - roomOctavesHz.begin();
+               return shape.holds(decays[static_cast<std::size_t>(octave)].seconds / middle);
+           });
 }
 
 } // namespace orvane::kestrum::tools

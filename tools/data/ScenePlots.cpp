@@ -135,14 +135,14 @@ Plot decayPlot(const Place& place, const SceneMeasures& measures) {
         halfWidth, halfHeight};
 }
 
-/// The span that an octave's decay time is to lie in; nothing where no goal is set.
-std::vector<std::array<double, 3>> decayGoals(const RoomTarget& target) {
+/// The span that an octave's decay time is to lie in; nothing where no goal is set. The outer octaves are judged by
+/// their share of the middle that was measured.
+std::vector<std::array<double, 3>> decayGoals(const RoomTarget& target, double middleSeconds) {
     const double least = target.decaySeconds * (1 - decayTolerance);
     const double most = target.decaySeconds * (1 + decayTolerance);
     std::vector<std::array<double, 3>> goals{{500, least, most}, {1000, least, most}};
-    for (const DecayShape& shape : decayShapes())
-        goals.push_back(
-            {shape.centreHz, target.decaySeconds * shape.least, target.decaySeconds * shape.most});
+    for (const DecayShape& shape : target.decayShapes())
+        goals.push_back({shape.centreHz, middleSeconds * shape.least, middleSeconds * shape.most});
     return goals;
 }
 
@@ -152,17 +152,24 @@ Plot octavesPlot(const Place& place, const SceneMeasures& measures) {
         if (measures.decays[octave].seconds > 0)
             table.row({roomOctavesHz[octave], measures.decays[octave].seconds});
     table.nextIndex();
-    for (const auto& goal : decayGoals(*measures.target))
+    for (std::size_t octave = 0; octave < roomOctavesHz.size(); ++octave)
+        if (measures.reverbDecays[octave].seconds > 0)
+            table.row({roomOctavesHz[octave], measures.reverbDecays[octave].seconds});
+    table.nextIndex();
+    for (const auto& goal : decayGoals(*measures.target, measures.decaySeconds))
         table.row({goal[0], std::sqrt(goal[1] * goal[2]), goal[0] / 1.3, goal[0] * 1.3, goal[1], goal[2]});
     const std::string file = "'" + place.tableName("t60") + "'";
-    return {place.name("t60"), "T60 in octave bands, both ears; boxes: where it is to lie.",
+    return {place.name("t60"),
+            "T60 in octave bands, both ears; boxes: where that of the whole is to lie, the outer ones over "
+            "its middle.",
             "set xlabel 'octave band (Hz)'; set ylabel 'T60 (s)'; set logscale xy; set grid\n"
             "set xrange [80:12500]; set yrange [0.04:5]\n"
             "set xtics ('125' 125, '250' 250, '500' 500, '1k' 1000, '2k' 2000, '4k' 4000, '8k' 8000)\n"
             "set ytics ('0.05' 0.05, '0.1' 0.1, '0.2' 0.2, '0.5' 0.5, '1' 1, '2' 2, '5' 5)\n"
             "set style fill solid 0.5 noborder\nset key top right\nplot " +
-                file + " index 1 using 1:2:3:4:5:6 with boxxyerror lc rgb '#56b4e9' title 'goal', " + file +
-                " index 0 with linespoints lw 1.5 pt 7 ps 0.6 lc rgb '#000000' title 'measured'",
+                file + " index 2 using 1:2:3:4:5:6 with boxxyerror lc rgb '#56b4e9' title 'goal', " + file +
+                " index 1 with linespoints lw 1.2 dt 2 pt 6 ps 0.6 lc rgb '#0072b2' title 'reverb alone', " +
+                file + " index 0 with linespoints lw 1.5 pt 7 ps 0.6 lc rgb '#000000' title 'whole'",
             halfWidth, halfHeight};
 }
 
@@ -206,16 +213,17 @@ Plot densityPlot(const Place& place, const SceneMeasures& measures) {
     }
     const std::string file = "'" + place.tableName("density") + "'";
     std::string script = "set xlabel 'time from the direct sound (ms)'; set ylabel 'echo density'; set grid\n"
-                         "set xrange [0:250]; set yrange [0:1.5]; set key top right horizontal\n";
+                         "set xrange [0:250]; set yrange [0:2]; set ytics 0.5; set key above\n";
     const std::string full = shortest(measures.target->fullDensitySeconds * 1000);
-    script += "set arrow from " + full + ",0 to " + full + ",1.2 nohead dt 2 lw 1.5 lc rgb '#0072b2'\n" +
-              "set label 'to be full by here' at " + full + ",1.26 textcolor rgb '#0072b2'\n" +
+    script += "set arrow from " + full + ",0 to " + full + ",1.75 nohead dt 2 lw 1.5 lc rgb '#0072b2'\n" +
+              "set label 'to be full by here' at " + full + ",1.86 textcolor rgb '#0072b2'\n" +
               "plot 1 with lines dt 2 lc rgb '#999999' notitle, " + file +
               " using 1:2 with lines lw 1.2 lc rgb '#d55e00' title 'whole', " + file +
               " using 1:3 with lines lw 1.8 lc rgb '#000000' title 'reverb alone'";
     return {place.name("density"),
-            "Echo density (Abel and Huang), windows of 20 ms, mean of both ears; 1 is that of noise.", script,
-            halfWidth, halfHeight};
+            "Echo density (Abel and Huang), mean of both ears; 1 is that of noise. Windows of 20 ms, of " +
+                shortest(measures.reverbDensity.windowSeconds * 1000) + " ms for the reverb alone.",
+            script, halfWidth, halfHeight};
 }
 
 /// Power in third-octave bands, mean of both ears, in decibels.
@@ -309,6 +317,8 @@ Plot loudnessPlot(const SceneChapter& chapter) {
         names +=
             (index > 0 ? ", '" : "'") + std::string(finding.measures.scene) + "' " + std::to_string(index);
         for (const double level : {finding.stereoLufs, finding.surroundLufs}) {
+            if (!std::isfinite(level))
+                continue; // silence has no place on the axis
             lowest = std::min(lowest, level);
             highest = std::max(highest, level);
         }
