@@ -12,7 +12,7 @@ namespace orvane::kestrum::tools {
 inline constexpr int methodNumber = 1;
 
 /// The same for the rooms that are made for a set.
-inline constexpr int reverbMethodNumber = 1;
+inline constexpr int reverbMethodNumber = 2;
 
 inline constexpr const char* aboutFileName = "about.json";
 
