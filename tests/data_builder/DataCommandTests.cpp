@@ -4,7 +4,7 @@
 #include "data/DataError.h"
 #include "data/SofaReader.h"
 
-#include "SyntheticHead.h"
+#include "SyntheticRooms.h"
 
 #include <CLI/CLI.hpp>
 #include <gmock/gmock.h>
@@ -12,6 +12,7 @@
 
 #include <fstream>
 #include <iterator>
+#include <limits>
 #include <sstream>
 #include <string>
 
@@ -91,6 +92,21 @@ TEST(ReverbCommand, RefusesAFolderWithoutAHeadWithTheRemedy) {
     EXPECT_THAT(run("data reverb " + folder.path.string()),
                 AllOf(HasSubstr("refused: "), HasSubstr("OVNdata121.dat"), HasSubstr("kestrum data hrir")));
     EXPECT_THAT(run("data reverb /none"), HasSubstr("is no folder"));
+}
+
+/// One sample that is no number would be in every room.
+TEST(ReverbCommand, RefusesADamagedHeadWithTheRemedyAndKeepsTheRooms) {
+    const test::TemporaryFolder folder;
+    std::ofstream(folder.path / "about.json") << R"({"method": 1})";
+    std::ofstream(folder.path / "OVNdata511.dat") << "good rooms";
+    ResponseSet set = test::syntheticResponses();
+    set.responses[1000][1][5] = std::numeric_limits<double>::quiet_NaN();
+    writeResponseSet(set, folder.path);
+    EXPECT_THAT(run("data reverb " + folder.path.string()),
+                AllOf(HasSubstr("refused: "), HasSubstr("OVNdata121.dat"),
+                      HasSubstr("response 1000 holds samples that are no numbers"),
+                      HasSubstr("kestrum data hrir")));
+    EXPECT_EQ(contentOf(folder.path / "OVNdata511.dat"), "good rooms");
 }
 
 TEST(ReverbCommand, TellsWhatASetWouldBeMadeOfWithoutMakingAnything) {

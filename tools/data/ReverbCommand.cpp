@@ -3,6 +3,7 @@
 
 #include "data/About.h"
 #include "data/DataError.h"
+#include "data/FolderCheck.h"
 #include "data/ReverbBuilder.h"
 #include "data/ReverbCalibration.h"
 
@@ -22,11 +23,11 @@ constexpr const char* remedy = ": make the head first with \"kestrum data hrir -
 ResponseSet readHead(const std::filesystem::path& folder) {
     const ResponseFile& file = responseFiles[1];
     static_assert(responseFiles[1].sampleRate == masterSampleRate);
-    try {
-        return readResponseSet(file, folder);
-    } catch (const DataError& error) {
-        throw DataError("\"" + (folder / file.name).string() + "\" cannot serve, " + error.what() + remedy);
-    }
+    const FileVerdict verdict = checkResponseFile(file, folder);
+    if (!verdict.sound)
+        throw DataError("\"" + (folder / file.name).string() + "\" cannot serve, " + verdict.finding +
+                        remedy);
+    return readResponseSet(file, folder);
 }
 
 void tellFigures(const std::vector<SceneFigures>& figures, std::ostream& out) {

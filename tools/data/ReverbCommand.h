@@ -20,7 +20,7 @@ struct ReverbRequest {
 void addReverbCommand(CLI::App& data, std::ostream& out);
 
 /// Makes the three files and adds them to the folder's about.json.
-/// @throws DataError with the remedy when the folder lacks the head or cannot be written.
+/// @throws DataError with the remedy when the folder lacks the head, holds a damaged one, or cannot be written.
 void runReverb(const ReverbRequest& request, std::ostream& out);
 
 } // namespace orvane::kestrum::tools
