@@ -2,6 +2,7 @@
 #include "data/About.h"
 #include "data/DataCommands.h"
 #include "data/DataError.h"
+#include "data/ReverbCommand.h"
 #include "data/SofaReader.h"
 
 #include "SyntheticRooms.h"
@@ -107,6 +108,32 @@ TEST(ReverbCommand, RefusesADamagedHeadWithTheRemedyAndKeepsTheRooms) {
                       HasSubstr("response 1000 holds samples that are no numbers"),
                       HasSubstr("kestrum data hrir")));
     EXPECT_EQ(contentOf(folder.path / "OVNdata511.dat"), "good rooms");
+}
+
+/// The second file cannot be replaced: what there is afterwards is of two makings.
+TEST(ReverbCommand, InterruptedLeavesNoRoomsThatTheFolderVouchesFor) {
+    const test::TemporaryFolder folder;
+    std::ofstream(folder.path / "about.json")
+        << R"({"method": 1, "rooms": {"method": 1}, "origin": "a head"})";
+    std::filesystem::create_directories(folder.path / "OVNdata511.dat" / "in the way");
+    const std::string about = aboutWithReverb(folder.path);
+    const auto rooms = test::toneRooms(reverbFiles[1]).entries;
+    EXPECT_THROW(writeRooms(rooms, about, folder.path), DataError);
+    EXPECT_TRUE(std::filesystem::exists(folder.path / "OVNdata510.dat"));
+    EXPECT_EQ(methodsOf(folder.path).rooms, 0);
+    EXPECT_EQ(methodsOf(folder.path).responses, 1);
+    EXPECT_THAT(contentOf(folder.path / "about.json"), HasSubstr("a head"));
+    std::filesystem::remove_all(folder.path / "OVNdata511.dat");
+    writeRooms(rooms, about, folder.path);
+    EXPECT_EQ(contentOf(folder.path / "about.json"), about);
+}
+
+TEST(AboutFiles, AreGoneOnceTheirHeadIsMadeAnew) {
+    const test::TemporaryFolder folder;
+    std::ofstream(folder.path / "about.json") << R"({"method": 1})";
+    withdrawAbout(folder.path);
+    EXPECT_FALSE(std::filesystem::exists(folder.path / "about.json"));
+    EXPECT_NO_THROW(withdrawAbout(folder.path));
 }
 
 TEST(ReverbCommand, TellsWhatASetWouldBeMadeOfWithoutMakingAnything) {

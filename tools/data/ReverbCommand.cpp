@@ -42,6 +42,14 @@ void tellFigures(const std::vector<SceneFigures>& figures, std::ostream& out) {
 
 } // namespace
 
+void writeRooms(const std::vector<ReverbEntry>& rooms, const std::string& about,
+                const std::filesystem::path& folder) {
+    withdrawRooms(folder);
+    for (const ReverbFile& file : reverbFiles)
+        writeReverbSet(reverbSetFor(file, rooms), folder);
+    writeAbout(about, folder);
+}
+
 void runReverb(const ReverbRequest& request, std::ostream& out) {
     if (!std::filesystem::is_directory(request.folder))
         throw DataError("\"" + request.folder.string() + "\" is no folder" + remedy);
@@ -58,9 +66,7 @@ void runReverb(const ReverbRequest& request, std::ostream& out) {
     });
     out << "Levels, by rendering the Scenes:\n" << std::flush;
     tellFigures(calibrateLevels(rooms, request.folder), out);
-    for (const ReverbFile& file : reverbFiles)
-        writeReverbSet(reverbSetFor(file, rooms), request.folder);
-    writeAbout(about, request.folder);
+    writeRooms(rooms, about, request.folder);
     out << "Wrote OVNdata510.dat, OVNdata511.dat and OVNdata512.dat to \"" << request.folder.string()
         << "\".\n";
 }
