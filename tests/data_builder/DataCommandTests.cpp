@@ -2,9 +2,10 @@
 #include "data/About.h"
 #include "data/DataCommands.h"
 #include "data/DataError.h"
+#include "data/ReverbCommand.h"
 #include "data/SofaReader.h"
 
-#include "SyntheticHead.h"
+#include "SyntheticRooms.h"
 
 #include <CLI/CLI.hpp>
 #include <gmock/gmock.h>
@@ -12,6 +13,7 @@
 
 #include <fstream>
 #include <iterator>
+#include <limits>
 #include <sstream>
 #include <string>
 
@@ -91,6 +93,47 @@ TEST(ReverbCommand, RefusesAFolderWithoutAHeadWithTheRemedy) {
     EXPECT_THAT(run("data reverb " + folder.path.string()),
                 AllOf(HasSubstr("refused: "), HasSubstr("OVNdata121.dat"), HasSubstr("kestrum data hrir")));
     EXPECT_THAT(run("data reverb /none"), HasSubstr("is no folder"));
+}
+
+/// One sample that is no number would be in every room.
+TEST(ReverbCommand, RefusesADamagedHeadWithTheRemedyAndKeepsTheRooms) {
+    const test::TemporaryFolder folder;
+    std::ofstream(folder.path / "about.json") << R"({"method": 1})";
+    std::ofstream(folder.path / "OVNdata511.dat") << "good rooms";
+    ResponseSet set = test::syntheticResponses();
+    set.responses[1000][1][5] = std::numeric_limits<double>::quiet_NaN();
+    writeResponseSet(set, folder.path);
+    EXPECT_THAT(run("data reverb " + folder.path.string()),
+                AllOf(HasSubstr("refused: "), HasSubstr("OVNdata121.dat"),
+                      HasSubstr("response 1000 holds samples that are no numbers"),
+                      HasSubstr("kestrum data hrir")));
+    EXPECT_EQ(contentOf(folder.path / "OVNdata511.dat"), "good rooms");
+}
+
+/// The second file cannot be replaced: what there is afterwards is of two makings.
+TEST(ReverbCommand, InterruptedLeavesNoRoomsThatTheFolderVouchesFor) {
+    const test::TemporaryFolder folder;
+    std::ofstream(folder.path / "about.json")
+        << R"({"method": 1, "rooms": {"method": 1}, "origin": "a head"})";
+    std::filesystem::create_directories(folder.path / "OVNdata511.dat" / "in the way");
+    const std::string about = aboutWithReverb(folder.path);
+    const auto rooms = test::toneRooms(reverbFiles[1]).entries;
+    EXPECT_THROW(writeRooms(rooms, about, folder.path), DataError);
+    EXPECT_TRUE(std::filesystem::exists(folder.path / "OVNdata510.dat"));
+    EXPECT_EQ(methodsOf(folder.path).rooms, 0);
+    EXPECT_EQ(methodsOf(folder.path).responses, 1);
+    EXPECT_THAT(contentOf(folder.path / "about.json"), HasSubstr("a head"));
+    std::filesystem::remove_all(folder.path / "OVNdata511.dat");
+    writeRooms(rooms, about, folder.path);
+    EXPECT_EQ(contentOf(folder.path / "about.json"), about);
+}
+
+TEST(AboutFiles, AreGoneOnceTheirHeadIsMadeAnew) {
+    const test::TemporaryFolder folder;
+    std::ofstream(folder.path / "about.json") << R"({"method": 1})";
+    withdrawAbout(folder.path);
+    EXPECT_FALSE(std::filesystem::exists(folder.path / "about.json"));
+    EXPECT_NO_THROW(withdrawAbout(folder.path));
 }
 
 TEST(ReverbCommand, TellsWhatASetWouldBeMadeOfWithoutMakingAnything) {

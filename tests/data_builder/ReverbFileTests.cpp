@@ -99,7 +99,28 @@ TEST_F(ReverbFiles, CutShortOrMissingAreNotSound) {
 TEST_F(ReverbFiles, WithAStartBeyondTheEndAreNotSound) {
     const std::uint32_t beyond = 0xfffffff0U;
     overwrite(2 + 4 * (56 - 1), &beyond, sizeof beyond);
-    EXPECT_THAT(checkReverbFile(file, folder.path).finding, HasSubstr("room 15 would run beyond its end"));
+    EXPECT_THAT(checkReverbFile(file, folder.path).finding, HasSubstr("entry 56 starts at frame 4294967280"));
+}
+
+/// Inside the file, but in the middle of another room; entry 15 is the first that a room uses, entry 1 is unused.
+TEST_F(ReverbFiles, WithAWrongStartInsideAreNotSound) {
+    const std::uint32_t late = 2;
+    overwrite(2 + 4 * (15 - 1), &late, sizeof late);
+    EXPECT_THAT(checkReverbFile(file, folder.path).finding,
+                HasSubstr("entry 15 starts at frame 2 instead of 1"));
+    writeReverbSet(set, folder.path);
+    overwrite(2, &late, sizeof late);
+    EXPECT_THAT(checkReverbFile(file, folder.path).finding,
+                HasSubstr("entry 1 starts at frame 2 instead of 0"));
+}
+
+TEST_F(ReverbFiles, WithASoundInTheFrameOfTheUnusedEntriesAreNotSound) {
+    const float sound = 0.5F;
+    for (const std::streamoff ear : {0, 4}) {
+        writeReverbSet(set, folder.path);
+        overwrite(2 + 60 * 4 + ear, &sound, sizeof sound);
+        EXPECT_THAT(checkReverbFile(file, folder.path).finding, HasSubstr("is not silent")) << ear;
+    }
 }
 
 TEST_F(ReverbFiles, WithSamplesThatAreNoNumbersAreNotSound) {

@@ -65,6 +65,29 @@ TEST(RoomDescriptions, FitIntoTheirLengths) {
     }
 }
 
+bool hasScene(const RoomDescription& room) {
+    return std::ranges::any_of(core::Scene::presets(), [&room](const core::Scene::Preset& preset) {
+        return preset.reverbOn && static_cast<int>(preset.roomType) == room.room;
+    });
+}
+
+/// By the rules that the table is told to follow, to the rounding of its figures.
+TEST(RoomDescriptions, WithoutASceneHaveTheTimesOfTheirVolume) {
+    constexpr double metresPerMillisecond = 0.343;
+    std::set<double> volumes;
+    for (const RoomDescription& room : roomDescriptions()) {
+        if (hasScene(room))
+            continue;
+        const double mixingMs = 20 + 0.6 * std::sqrt(room.volumeCubicMetres);
+        EXPECT_NEAR(room.mixingMs, mixingMs, 0.05 * mixingMs) << room.room;
+        const double share = room.onsetMs / (std::cbrt(room.volumeCubicMetres) / metresPerMillisecond);
+        EXPECT_GT(share, 0.31) << room.room;
+        EXPECT_LT(share, 0.42) << room.room;
+        EXPECT_TRUE(volumes.insert(room.volumeCubicMetres).second) << room.room;
+    }
+    EXPECT_EQ(volumes.size(), 33u);
+}
+
 /// Rooms last longer in the bass and shorter in the treble. A Scene's room is told as the Scene is meant to be heard.
 TEST(RoomDescriptions, AgreeWithWhatTheScenesAreToMeasureLike) {
     for (const RoomTarget& target : roomTargets()) {

@@ -12,10 +12,11 @@
 
 namespace test {
 
-/// A head that can be computed by hand, on the grid of the files, at the rate of the synthesis.
-inline orvane::kestrum::tools::ResponseSet syntheticResponses() {
+/// A head that can be computed by hand, on the grid of the files, at the rate of the synthesis. A source at the side is by
+/// `sideGainDb` louder at the near ear than one in front, and as much softer at the far ear.
+inline orvane::kestrum::tools::ResponseSet syntheticResponses(double sideGainDb = 3) {
     namespace tools = orvane::kestrum::tools;
-    const SyntheticHead head{tools::masterSampleRate, 139, 30, 13, 3};
+    const SyntheticHead head{tools::masterSampleRate, 139, 30, 13, sideGainDb};
     tools::ResponseSet set{tools::responseFiles[1], {}};
     for (const tools::GridPlace& place : tools::gridPlaces())
         set.responses.push_back({head.response(-1, place.direction()), head.response(1, place.direction())});

@@ -3,6 +3,7 @@
 
 #include "data/DataError.h"
 #include "data/LateReverb.h"
+#include "data/WholeFile.h"
 
 #include <nettle/sha2.h>
 #include <nlohmann/json.hpp>
@@ -10,6 +11,7 @@
 #include <array>
 #include <cstdint>
 #include <fstream>
+#include <system_error>
 
 namespace orvane::kestrum::tools {
 
@@ -81,13 +83,22 @@ AboutMethods methodsOf(const std::filesystem::path& folder) {
     return {numberIn(about, "method"), rooms ? numberIn(about["rooms"], "method") : 0};
 }
 
-void writeAbout(const std::string& text, const std::filesystem::path& folder) {
-    std::ofstream stream(folder / aboutFileName, std::ios::binary);
-    stream << text;
-    stream.close();
-    if (!stream)
+void withdrawRooms(const std::filesystem::path& folder) {
+    nlohmann::ordered_json about = readAbout(folder);
+    if (about.is_object() && about.erase("rooms") > 0)
+        writeAbout(textOf(about), folder);
+}
+
+void withdrawAbout(const std::filesystem::path& folder) {
+    std::error_code failure;
+    std::filesystem::remove(folder / aboutFileName, failure);
+    if (failure)
         throw DataError("\"" + (folder / aboutFileName).string() +
-                        "\" cannot be written: give a folder that you may write to.");
+                        "\" cannot be removed: give a folder that you may write to.");
+}
+
+void writeAbout(const std::string& text, const std::filesystem::path& folder) {
+    writeWhole(Bytes(text.begin(), text.end()), folder / aboutFileName);
 }
 
 } // namespace orvane::kestrum::tools

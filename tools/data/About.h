@@ -12,12 +12,13 @@ namespace orvane::kestrum::tools {
 inline constexpr int methodNumber = 1;
 
 /// The same for the rooms that are made for a set.
-inline constexpr int reverbMethodNumber = 1;
+inline constexpr int reverbMethodNumber = 2;
 
 inline constexpr const char* aboutFileName = "about.json";
 
 /// The text that lies beside the files and says where they come from: tool and method, the input's name and
-/// SHA-256, origin, licence and citation. It names no time and no folder: equal texts mean equal files.
+/// SHA-256, origin, licence and citation. It names no time and no folder: equal texts mean equal files,
+/// to the byte where machine and libraries are the same, elsewhere to rounding.
 /// @throws DataError when the input cannot be read.
 std::string aboutText(const std::filesystem::path& input, const Origin& origin);
 
@@ -31,6 +32,12 @@ struct AboutMethods {
     int rooms = 0;
 };
 AboutMethods methodsOf(const std::filesystem::path& folder);
+
+/// Lets a folder no longer vouch for its rooms, or for its head either, while they are made anew: what is left of an
+/// interrupted run is not taken for a whole set. A folder without the text stays as it is.
+/// @throws DataError when the folder cannot be written.
+void withdrawRooms(const std::filesystem::path& folder);
+void withdrawAbout(const std::filesystem::path& folder);
 
 /// @throws DataError when the folder cannot be written.
 void writeAbout(const std::string& text, const std::filesystem::path& folder);

@@ -74,6 +74,7 @@ void runHrir(const HrirRequest& request, std::ostream& out) {
     tellSource(measured, out);
     const BuiltSet built = buildResponses(std::move(measured));
     tellFindings(built, out);
+    withdrawAbout(request.out);
     for (const BuiltFile& file : built.files)
         writeResponseSet(file.set, request.out);
     writeAbout(about, request.out);

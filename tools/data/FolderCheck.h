@@ -35,8 +35,8 @@ std::vector<FileVerdict> checkDataFolder(const std::filesystem::path& folder);
 /// silent, the mean level near 0 dB, and each ear louder and earlier for sources on its own side.
 FileVerdict checkResponseFile(const ResponseFile& file, const std::filesystem::path& folder);
 
-/// Whether one file of rooms can be relied on: there and whole, every start inside, every sample a finite number, no
-/// room silent at an ear, and every peak where the calibration can have put it.
+/// Whether one file of rooms can be relied on: there and whole, every start in its place, every sample a finite number,
+/// no room silent at an ear, and every peak where the calibration can have put it.
 FileVerdict checkReverbFile(const ReverbFile& file, const std::filesystem::path& folder);
 
 /// Whether the set was made by the methods of this program.

@@ -249,6 +249,17 @@ double correctCoherence(std::array<Covariance, thirdOctaveCount>& asked,
     return error;
 }
 
+/// Adds the slaps to every band of the field.
+void addSlaps(std::vector<EarSamples>& parts, const std::array<Spectrum, 2>& slaps,
+              const std::array<BandWindow, thirdOctaveCount>& bands, RealTransform& transform) {
+    for (std::size_t band = 0; band < bands.size(); ++band) {
+        const EarSamples slap = bandOf(slaps, bands[band], transform);
+        for (std::size_t ear = 0; ear < 2; ++ear)
+            for (std::size_t frame = 0; frame < parts[band][ear].size(); ++frame)
+                parts[band][ear][frame] += slap[ear][frame];
+    }
+}
+
 void normalise(EarSamples& ears) {
     double peak = 0;
     for (const Samples& ear : ears)
@@ -270,7 +281,7 @@ std::array<Samples, 2> lateReverb(const RoomDescription& room, const DiffuseHead
     const std::size_t length = frameCountAt(room, masterSampleRate);
     RealTransform transform(powerOfTwoFrom(length + 2 * ringing));
     RandomNumbers random(seed * seedsPerSet + static_cast<std::uint64_t>(room.room));
-    const auto spectra = reflectionField(room, head, length + ringing, transform, random);
+    const ReflectionField reflections = reflectionField(room, head, length + ringing, transform, random);
     const auto bands = thirdOctaves(transform.binCount(), masterSampleRate);
     const HeadField field = head.field(transform.size());
     const Shape shape = shapeOf(room, length, heardThrough);
@@ -279,9 +290,10 @@ std::array<Samples, 2> lateReverb(const RoomDescription& room, const DiffuseHead
     parts.reserve(bands.size());
     for (std::size_t band = 0; band < bands.size(); ++band) {
         meant[band] = meantCovariance(field, bands[band]);
-        parts.push_back(bandOf(spectra, bands[band], transform));
+        parts.push_back(bandOf(reflections.diffuse, bands[band], transform));
     }
     EarSamples best;
+    std::vector<EarSamples> bestParts;
     double smallestError = std::numeric_limits<double>::infinity();
     std::array<Covariance, thirdOctaveCount> asked = meant;
     for (int round = 0; round < coherenceRounds && smallestError > nearEnough; ++round) {
@@ -295,7 +307,12 @@ std::array<Samples, 2> lateReverb(const RoomDescription& room, const DiffuseHead
         if (error < smallestError) {
             smallestError = error;
             best = std::move(sum);
+            bestParts = std::move(coherent);
         }
+    }
+    if (!room.slaps.empty()) { // they come from one place each, so they join what already has its coherence
+        addSlaps(bestParts, reflections.slaps, bands, transform);
+        best = sumOfBands(bestParts, bands, meant, room, shape);
     }
     normalise(best);
     return best;

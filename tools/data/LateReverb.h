@@ -20,10 +20,12 @@ inline constexpr std::uint64_t reverbSeed = 1;
 ///
 ///     single reflections, at random times       noise of two independent voices, fading in
 ///     and from random places, thinning out ──►   up to the mixing time, mixed to the head's
-///     up to the mixing time, slaps               coherence and spectrum per bin
+///     up to the mixing time                      coherence and spectrum per bin
 ///                   └──────────────┬──────────────┘
 ///                                  ▼
-///     third-octave bands ─► coherence of the diffuse field ─► decay that gives each its T60 as heard ─► power
+///     third-octave bands ─► coherence of the diffuse field ─► slaps, from where they come from
+///                                  ▼
+///     decay that gives each band its T60 as heard ─► power
 ///                                  ▼
 ///     sum ─► fade at the end ─► peak 1
 ///

@@ -9,7 +9,8 @@
 namespace orvane::kestrum::tools {
 
 /// Noise of equal power in every octave from 20 Hz to the Nyquist frequency, root mean square 1. It repeats without
-/// a seam. Equal seeds give equal noise on every machine.
+/// a seam. Equal seeds give the same noise: the same bits on the same
+/// machine and libraries, elsewhere the same to rounding.
 /// @param length a power of two.
 Samples pinkNoise(std::size_t length, double sampleRate, std::uint32_t seed);
 

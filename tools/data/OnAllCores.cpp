@@ -1,14 +1,28 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "data/OnAllCores.h"
 
-#include <algorithm>
 #include <atomic>
 #include <exception>
 #include <mutex>
+#include <system_error>
 #include <thread>
 #include <vector>
 
 namespace orvane::kestrum::tools {
+
+namespace {
+
+/// One for every core but the caller's, or as many as the machine gives: fewer do the same work, later.
+void startThreads(std::vector<std::jthread>& threads, const std::function<void()>& work) {
+    try {
+        for (unsigned core = 1; core < std::thread::hardware_concurrency(); ++core)
+            threads.emplace_back(work);
+    } catch (const std::system_error&) {
+        return;
+    }
+}
+
+} // namespace
 
 void onAllCores(std::size_t count, const std::function<void(std::size_t)>& work) {
     std::atomic<std::size_t> next = 0;
@@ -24,12 +38,11 @@ void onAllCores(std::size_t count, const std::function<void(std::size_t)>& work)
             next = count;
         }
     };
-    std::vector<std::thread> threads(std::max(1U, std::thread::hardware_concurrency()) - 1);
-    for (std::thread& thread : threads)
-        thread = std::thread(take);
-    take();
-    for (std::thread& thread : threads)
-        thread.join();
+    {
+        std::vector<std::jthread> threads; // joined however this ends
+        startThreads(threads, take);
+        take();
+    }
     if (failure)
         std::rethrow_exception(failure);
 }

@@ -8,8 +8,9 @@
 
 namespace orvane::kestrum::tools {
 
-/// Random numbers that are the same wherever they are drawn: the generator's sequence is fixed by the language,
-/// and the standard distributions, whose are not, are left alone.
+/// Random numbers that are the same wherever they are drawn, normal values to the rounding of the machine's logarithm and
+/// sine: the generator's sequence is fixed by the language, and the standard distributions, whose are not, are left
+/// alone.
 ///
 /// Source  normal values: Box and Muller, "A note on the generation of random normal deviates", Annals of
 ///         Mathematical Statistics 29, 1958.

@@ -96,15 +96,17 @@ void addNoise(std::array<Spectrum, 2>& spectra, const RoomDescription& room, con
 
 } // namespace
 
-std::array<Spectrum, 2> reflectionField(const RoomDescription& room, const DiffuseHead& head,
-                                        std::size_t length, RealTransform& transform, RandomNumbers& random) {
+ReflectionField reflectionField(const RoomDescription& room, const DiffuseHead& head, std::size_t length,
+                                RealTransform& transform, RandomNumbers& random) {
     EarSamples single{Samples(length), Samples(length)};
     addSingleReflections(single, room, head, random);
+    EarSamples slaps{Samples(length), Samples(length)};
     for (const LateSlap& slap : room.slaps)
-        addSlap(single, slap, head, random);
-    std::array<Spectrum, 2> spectra{transform.forward(single[leftEar]), transform.forward(single[rightEar])};
-    addNoise(spectra, room, head, length, transform, random);
-    return spectra;
+        addSlap(slaps, slap, head, random);
+    ReflectionField field{{transform.forward(single[leftEar]), transform.forward(single[rightEar])},
+                          {transform.forward(slaps[leftEar]), transform.forward(slaps[rightEar])}};
+    addNoise(field.diffuse, room, head, length, transform, random);
+    return field;
 }
 
 } // namespace orvane::kestrum::tools

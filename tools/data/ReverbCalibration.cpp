@@ -11,7 +11,10 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdlib>
 #include <limits>
+#include <string>
+#include <system_error>
 
 namespace orvane::kestrum::tools {
 
@@ -115,18 +118,17 @@ double bestLevelDb(int room, const std::vector<RenderedScene>& scenes) {
     return best;
 }
 
-/// The head's file and the rooms' under trial, for as long as it lives.
+constexpr const char* trialRemedy = " cannot be made: let TMPDIR name a folder that you may write to.";
+
+/// A folder of its own under the system's temporary one, for as long as it lives.
 class TrialFolder {
 public:
-    TrialFolder(const std::vector<ReverbEntry>& master, const std::filesystem::path& folder)
-        : path(folder / ".trial") {
+    TrialFolder() {
         std::error_code failure;
-        std::filesystem::create_directories(path, failure);
-        std::filesystem::copy_file(folder / responseFiles[1].name, path / responseFiles[1].name,
-                                   std::filesystem::copy_options::overwrite_existing, failure);
-        if (failure)
-            throw DataError("\"" + path.string() + "\" cannot be made: give a folder that you may write to.");
-        writeReverbSet({reverbFiles[1], master}, path);
+        std::string name = (std::filesystem::temp_directory_path(failure) / "kestrum-trial-XXXXXX").string();
+        if (failure || mkdtemp(name.data()) == nullptr)
+            throw DataError("A temporary folder" + std::string(trialRemedy));
+        path = name;
     }
     ~TrialFolder() {
         std::error_code ignored;
@@ -137,6 +139,17 @@ public:
 
     std::filesystem::path path;
 };
+
+/// Puts the head's file and the rooms' under trial into a folder.
+void fill(const TrialFolder& trial, const std::vector<ReverbEntry>& master,
+          const std::filesystem::path& folder) {
+    const std::filesystem::path copy = trial.path / responseFiles[1].name;
+    std::error_code failure;
+    std::filesystem::copy_file(folder / responseFiles[1].name, copy, failure);
+    if (failure)
+        throw DataError("A copy \"" + copy.string() + "\" of the head" + trialRemedy);
+    writeReverbSet({reverbFiles[1], master}, trial.path);
+}
 
 } // namespace
 
@@ -153,7 +166,8 @@ std::vector<SceneFigures> calibrateLevels(std::vector<ReverbEntry>& master,
     const auto targets = roomTargets();
     std::vector<RenderedScene> scenes(targets.size());
     {
-        const TrialFolder trial(master, folder);
+        const TrialFolder trial;
+        fill(trial, master, folder);
         onAllCores(targets.size(),
                    [&](std::size_t index) { scenes[index] = renderScene(targets[index], trial.path); });
     }

@@ -36,9 +36,9 @@ LevelRange levelRange(int room);
 /// the direct sound counts. Two Scenes that share a room are weighed alike.
 ///
 /// @param master every room at 48000 Hz with a peak of 1; scaled in place.
-/// @param folder holds the head's file of 48000 Hz; a folder of its own is made there while the loop runs.
+/// @param folder holds the head's file of 48000 Hz. It is only read: the loop runs in a temporary folder of its own.
 /// @return the figures of each Scene at the level found.
-/// @throws DataError when the folder cannot be written.
+/// @throws DataError when the temporary folder cannot be made or filled.
 std::vector<SceneFigures> calibrateLevels(std::vector<ReverbEntry>& master,
                                           const std::filesystem::path& folder);
 

@@ -3,6 +3,7 @@
 
 #include "data/About.h"
 #include "data/DataError.h"
+#include "data/FolderCheck.h"
 #include "data/ReverbBuilder.h"
 #include "data/ReverbCalibration.h"
 
@@ -22,11 +23,11 @@ constexpr const char* remedy = ": make the head first with \"kestrum data hrir -
 ResponseSet readHead(const std::filesystem::path& folder) {
     const ResponseFile& file = responseFiles[1];
     static_assert(responseFiles[1].sampleRate == masterSampleRate);
-    try {
-        return readResponseSet(file, folder);
-    } catch (const DataError& error) {
-        throw DataError("\"" + (folder / file.name).string() + "\" cannot serve, " + error.what() + remedy);
-    }
+    const FileVerdict verdict = checkResponseFile(file, folder);
+    if (!verdict.sound)
+        throw DataError("\"" + (folder / file.name).string() + "\" cannot serve, " + verdict.finding +
+                        remedy);
+    return readResponseSet(file, folder);
 }
 
 void tellFigures(const std::vector<SceneFigures>& figures, std::ostream& out) {
@@ -41,6 +42,14 @@ void tellFigures(const std::vector<SceneFigures>& figures, std::ostream& out) {
 }
 
 } // namespace
+
+void writeRooms(const std::vector<ReverbEntry>& rooms, const std::string& about,
+                const std::filesystem::path& folder) {
+    withdrawRooms(folder);
+    for (const ReverbFile& file : reverbFiles)
+        writeReverbSet(reverbSetFor(file, rooms), folder);
+    writeAbout(about, folder);
+}
 
 void runReverb(const ReverbRequest& request, std::ostream& out) {
     if (!std::filesystem::is_directory(request.folder))
@@ -58,9 +67,7 @@ void runReverb(const ReverbRequest& request, std::ostream& out) {
     });
     out << "Levels, by rendering the Scenes:\n" << std::flush;
     tellFigures(calibrateLevels(rooms, request.folder), out);
-    for (const ReverbFile& file : reverbFiles)
-        writeReverbSet(reverbSetFor(file, rooms), request.folder);
-    writeAbout(about, request.folder);
+    writeRooms(rooms, about, request.folder);
     out << "Wrote OVNdata510.dat, OVNdata511.dat and OVNdata512.dat to \"" << request.folder.string()
         << "\".\n";
 }

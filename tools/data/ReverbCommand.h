@@ -1,8 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "data/ReverbFile.h"
+
 #include <filesystem>
 #include <iosfwd>
+#include <string>
+#include <vector>
 
 namespace CLI {
 class App;
@@ -20,7 +24,14 @@ struct ReverbRequest {
 void addReverbCommand(CLI::App& data, std::ostream& out);
 
 /// Makes the three files and adds them to the folder's about.json.
-/// @throws DataError with the remedy when the folder lacks the head or cannot be written.
+/// @throws DataError with the remedy when the folder lacks the head, holds a damaged one, or cannot be written.
 void runReverb(const ReverbRequest& request, std::ostream& out);
+
+/// Writes the three files of the rooms, then the folder's about.json, which vouches for no rooms until all are there.
+/// @param rooms at masterSampleRate.
+/// @param about the new about.json.
+/// @throws DataError when the folder cannot be written.
+void writeRooms(const std::vector<ReverbEntry>& rooms, const std::string& about,
+                const std::filesystem::path& folder);
 
 } // namespace orvane::kestrum::tools

@@ -41,10 +41,25 @@ std::uint32_t get32(const Bytes& bytes, std::size_t offset) {
     return value;
 }
 
+float getFloat(const Bytes& bytes, std::size_t offset) { return std::bit_cast<float>(get32(bytes, offset)); }
+
 void setFloat(Bytes& bytes, std::size_t offset, double value) {
     const auto bits = std::bit_cast<std::uint32_t>(static_cast<float>(value));
     for (std::size_t index = 0; index < offsetSize; ++index)
         bytes[offset + index] = static_cast<std::uint8_t>((bits >> (8 * index)) & 0xffU);
+}
+
+/// Every entry where the plug-in's own table of lengths puts it, and silence where the unused ones lead.
+void requireStarts(const Bytes& bytes, const std::array<std::size_t, reverbEntryCount>& starts) {
+    for (std::size_t index = 0; index < starts.size(); ++index) {
+        const std::size_t start = get32(bytes, markSize + offsetSize * index);
+        if (start != starts[index])
+            throw DataError("entry " + std::to_string(index + 1) + " starts at frame " +
+                            std::to_string(start) + " instead of " + std::to_string(starts[index]));
+    }
+    for (std::size_t ear = 0; ear < 2; ++ear)
+        if (getFloat(bytes, framesStart + sizeof(float) * ear) != 0)
+            throw DataError("the frame that its unused entries share is not silent");
 }
 
 } // namespace
@@ -81,17 +96,17 @@ ReverbSet readReverbSet(const ReverbFile& file, const std::filesystem::path& fol
     if (bytes.size() != reverbFileSize(file))
         throw DataError("it has " + std::to_string(bytes.size()) + " bytes instead of " +
                         std::to_string(reverbFileSize(file)));
+    const auto starts = entryStarts(file);
+    requireStarts(bytes, starts);
     ReverbSet set{file, {}};
     for (const RoomDescription& room : roomDescriptions()) {
-        const std::size_t start = get32(bytes, markSize + offsetSize * (entryOf(room) - 1));
+        const std::size_t start = starts[entryOf(room) - 1];
         const std::size_t length = frameCountAt(room, file.sampleRate);
-        if (framesStart + frameSize * (start + length) > bytes.size())
-            throw DataError("room " + std::to_string(room.room) + " would run beyond its end");
         ReverbEntry entry{room.room, {Samples(length), Samples(length)}};
         for (std::size_t ear = 0; ear < 2; ++ear)
             for (std::size_t frame = 0; frame < length; ++frame)
-                entry.ears[ear][frame] = std::bit_cast<float>(
-                    get32(bytes, framesStart + frameSize * (start + frame) + sizeof(float) * ear));
+                entry.ears[ear][frame] =
+                    getFloat(bytes, framesStart + frameSize * (start + frame) + sizeof(float) * ear);
         set.entries.push_back(std::move(entry));
     }
     return set;

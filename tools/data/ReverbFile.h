@@ -48,7 +48,7 @@ std::uint64_t reverbFileSize(const ReverbFile& file);
 /// @throws DataError when the folder cannot be written.
 void writeReverbSet(const ReverbSet& set, const std::filesystem::path& folder);
 
-/// Reads such a file back; size and every start are checked before use.
+/// Reads such a file back; size, every start and the silent frame are checked before use.
 /// @throws DataError that names the first thing wrong with the file.
 ReverbSet readReverbSet(const ReverbFile& file, const std::filesystem::path& folder);
 

@@ -36,11 +36,12 @@ struct RoomDescription {
 
 /// All rooms with a reverb, 2 to 47, in order. Each has an entry of its own.
 ///
-/// Source  volumes and decays of rooms with a Scene: chosen for what the Scene is to be. Mixing times: twenty
-///         milliseconds and the root of the volume in cubic metres, in milliseconds, about (Lindau, Kosanke and
+/// Source  rooms with a Scene: chosen for what the Scene is to be. The other rooms: decays that their length can hold;
+///         mixing times of about 20 + 0.6 sqrt(V) milliseconds, V in cubic metres, since the time from which
+///         listeners hear single reflections no more grows with the root of the volume (Lindau, Kosanke and
 ///         Weinzierl, "Perceptual evaluation of model- and signal-based predictors of the mixing time in
-///         binaural room impulse responses", JAES 60, 2012). First reflections: 0.4 of the side of a cube of
-///         the volume, about. The other rooms: decays that their length can hold.
+///         binaural room impulse responses", JAES 60, 2012; the factors here are rounded); first reflections after a
+///         third to two fifths of the way along a cube of the volume.
 std::span<const RoomDescription> roomDescriptions();
 
 /// @throws std::out_of_range for a room without a reverb.
