@@ -5,6 +5,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <span>
 
 namespace orvane {
@@ -23,6 +24,13 @@ inline constexpr std::uint32_t decayTableColumns = 100;
 /// Thread  any, wait-free.
 /// Source  made by "kestrum data decay-table": a smooth family of curves through a few chosen rows.
 float decayGain(std::uint32_t row, std::uint32_t column) noexcept ORVANE_REALTIME;
+
+/// Row of the table that a room's decay asks for.
+///
+/// @param percent decay setting; 50 is the shortest, and from 100 on a response is left as it is.
+/// @return none where the response is left as it is.
+/// Thread  any, wait-free.
+std::optional<std::uint32_t> decayRow(float percent) noexcept ORVANE_REALTIME;
 
 /// The whole table.
 ///

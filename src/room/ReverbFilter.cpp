@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <bit>
 #include <cmath>
+#include <optional>
 #include <utility>
 
 namespace orvane {
@@ -19,17 +20,15 @@ constexpr std::uint64_t taperLength = 15;
 
 /// Multiplies a response by the decay table's curve for `decay`.
 void shapeDecay(SampleBuffer& buffer, std::uint64_t frames, float decay) noexcept {
-    const float x = (decay - 50.0f) / 50.0f;
-    if (!(x < 1.0f))
+    const std::optional<std::uint32_t> row = decayRow(decay);
+    if (!row)
         return;
-    const auto row = static_cast<std::uint32_t>(
-        std::clamp(std::trunc(x * 100.0f), 0.0f, static_cast<float>(decayTableRows - 1)));
     const auto length = static_cast<float>(frames);
     float* const left = buffer.channelPointers[0];
     float* const right = buffer.channelPointers[1];
     for (std::uint64_t i = 0; i < std::min(frames, buffer.numSamples); ++i) {
         const auto column = static_cast<std::uint32_t>(static_cast<float>(i) / length * 100.0f);
-        const float gain = decayGain(row, std::min(column, decayTableColumns - 1));
+        const float gain = decayGain(*row, std::min(column, decayTableColumns - 1));
         left[i] *= gain;
         right[i] *= gain;
     }

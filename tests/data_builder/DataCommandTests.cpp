@@ -70,8 +70,8 @@ TEST(HrirCommand, RefusesAMissingFileWithTheRemedy) {
 
 TEST(HrirCommand, RefusesAFileOfAnotherKind) {
     const test::TemporaryFolder folder;
-    std::ofstream(folder.path / "noise.sofa") << "no measurement at all";
-    EXPECT_THAT(run("data hrir --out /tmp/none --sofa " + (folder.path / "noise.sofa").string()),
+    std::ofstream(folder.file("noise.sofa")) << "no measurement at all";
+    EXPECT_THAT(run("data hrir --out /tmp/none --sofa " + folder.file("noise.sofa")),
                 HasSubstr("cannot be read as a SOFA file"));
 }
 
@@ -87,10 +87,10 @@ TEST(HrirCommand, TellsTheOriginWithoutMakingAnything) {
 
 TEST(ReverbCommand, RefusesAFolderWithoutAHeadWithTheRemedy) {
     const test::TemporaryFolder folder;
-    EXPECT_THAT(run("data reverb " + folder.path.string()),
+    EXPECT_THAT(run("data reverb " + folder.path()),
                 AllOf(HasSubstr("refused: "), HasSubstr("about.json"), HasSubstr("kestrum data hrir")));
-    std::ofstream(folder.path / "about.json") << R"({"method": 1})";
-    EXPECT_THAT(run("data reverb " + folder.path.string()),
+    std::ofstream(folder.file("about.json")) << R"({"method": 1})";
+    EXPECT_THAT(run("data reverb " + folder.path()),
                 AllOf(HasSubstr("refused: "), HasSubstr("OVNdata121.dat"), HasSubstr("kestrum data hrir")));
     EXPECT_THAT(run("data reverb /none"), HasSubstr("is no folder"));
 }
@@ -98,55 +98,55 @@ TEST(ReverbCommand, RefusesAFolderWithoutAHeadWithTheRemedy) {
 /// One sample that is no number would be in every room.
 TEST(ReverbCommand, RefusesADamagedHeadWithTheRemedyAndKeepsTheRooms) {
     const test::TemporaryFolder folder;
-    std::ofstream(folder.path / "about.json") << R"({"method": 1})";
-    std::ofstream(folder.path / "OVNdata511.dat") << "good rooms";
+    std::ofstream(folder.file("about.json")) << R"({"method": 1})";
+    std::ofstream(folder.file("OVNdata511.dat")) << "good rooms";
     ResponseSet set = test::syntheticResponses();
     set.responses[1000][1][5] = std::numeric_limits<double>::quiet_NaN();
-    writeResponseSet(set, folder.path);
-    EXPECT_THAT(run("data reverb " + folder.path.string()),
+    writeResponseSet(set, folder.path());
+    EXPECT_THAT(run("data reverb " + folder.path()),
                 AllOf(HasSubstr("refused: "), HasSubstr("OVNdata121.dat"),
                       HasSubstr("response 1000 holds samples that are no numbers"),
                       HasSubstr("kestrum data hrir")));
-    EXPECT_EQ(contentOf(folder.path / "OVNdata511.dat"), "good rooms");
+    EXPECT_EQ(contentOf(folder.file("OVNdata511.dat")), "good rooms");
 }
 
 /// The second file cannot be replaced: what there is afterwards is of two makings.
 TEST(ReverbCommand, InterruptedLeavesNoRoomsThatTheFolderVouchesFor) {
     const test::TemporaryFolder folder;
-    std::ofstream(folder.path / "about.json")
+    std::ofstream(folder.file("about.json"))
         << R"({"method": 1, "rooms": {"method": 1}, "origin": "a head"})";
-    std::filesystem::create_directories(folder.path / "OVNdata511.dat" / "in the way");
-    const std::string about = aboutWithReverb(folder.path);
+    std::filesystem::create_directories(folder.file("OVNdata511.dat/in the way"));
+    const std::string about = aboutWithReverb(folder.path());
     const auto rooms = test::toneRooms(reverbFiles[1]).entries;
-    EXPECT_THROW(writeRooms(rooms, about, folder.path), DataError);
-    EXPECT_TRUE(std::filesystem::exists(folder.path / "OVNdata510.dat"));
-    EXPECT_EQ(methodsOf(folder.path).rooms, 0);
-    EXPECT_EQ(methodsOf(folder.path).responses, 1);
-    EXPECT_THAT(contentOf(folder.path / "about.json"), HasSubstr("a head"));
-    std::filesystem::remove_all(folder.path / "OVNdata511.dat");
-    writeRooms(rooms, about, folder.path);
-    EXPECT_EQ(contentOf(folder.path / "about.json"), about);
+    EXPECT_THROW(writeRooms(rooms, about, folder.path()), DataError);
+    EXPECT_TRUE(std::filesystem::exists(folder.file("OVNdata510.dat")));
+    EXPECT_EQ(methodsOf(folder.path()).rooms, 0);
+    EXPECT_EQ(methodsOf(folder.path()).responses, 1);
+    EXPECT_THAT(contentOf(folder.file("about.json")), HasSubstr("a head"));
+    std::filesystem::remove_all(folder.file("OVNdata511.dat"));
+    writeRooms(rooms, about, folder.path());
+    EXPECT_EQ(contentOf(folder.file("about.json")), about);
 }
 
 TEST(AboutFiles, AreGoneOnceTheirHeadIsMadeAnew) {
     const test::TemporaryFolder folder;
-    std::ofstream(folder.path / "about.json") << R"({"method": 1})";
-    withdrawAbout(folder.path);
-    EXPECT_FALSE(std::filesystem::exists(folder.path / "about.json"));
-    EXPECT_NO_THROW(withdrawAbout(folder.path));
+    std::ofstream(folder.file("about.json")) << R"({"method": 1})";
+    withdrawAbout(folder.path());
+    EXPECT_FALSE(std::filesystem::exists(folder.file("about.json")));
+    EXPECT_NO_THROW(withdrawAbout(folder.path()));
 }
 
 TEST(ReverbCommand, TellsWhatASetWouldBeMadeOfWithoutMakingAnything) {
     const test::TemporaryFolder folder;
-    std::ofstream(folder.path / "about.json") << R"({"method": 1, "origin": "a head"})";
-    EXPECT_THAT(run("data reverb --about " + folder.path.string()),
+    std::ofstream(folder.file("about.json")) << R"({"method": 1, "origin": "a head"})";
+    EXPECT_THAT(run("data reverb --about " + folder.path()),
                 AllOf(HasSubstr("\"a head\""), HasSubstr("\"rooms\""), HasSubstr("\"seed\"")));
-    EXPECT_FALSE(std::filesystem::exists(folder.path / "OVNdata511.dat"));
+    EXPECT_FALSE(std::filesystem::exists(folder.file("OVNdata511.dat")));
 }
 
 TEST(CheckCommand, NamesEveryMissingFileAndTheRemedy) {
     const test::TemporaryFolder folder;
-    EXPECT_THAT(run("data check " + folder.path.string()),
+    EXPECT_THAT(run("data check " + folder.path()),
                 AllOf(HasSubstr("refused: "), HasSubstr("7 files missing or not sound"),
                       HasSubstr("kestrum data hrir")));
     EXPECT_THAT(run("data check /none"), HasSubstr("is no folder"));
@@ -154,16 +154,16 @@ TEST(CheckCommand, NamesEveryMissingFileAndTheRemedy) {
 
 TEST(ReportCommand, RefusesWhatIsNoFolderOrHoldsNoHead) {
     const test::TemporaryFolder folder;
-    EXPECT_THAT(run("data report /none " + folder.path.string()),
+    EXPECT_THAT(run("data report /none " + folder.path()),
                 AllOf(HasSubstr("refused: \"/none\" is no folder"), HasSubstr("install-data")));
-    EXPECT_THAT(run("data report " + folder.path.string() + " " + (folder.path / "out").string()),
+    EXPECT_THAT(run("data report " + folder.path() + " " + folder.file("out")),
                 HasSubstr("holds no responses of a head"));
 }
 
 TEST(DecayTableCommand, WritesTheTableOrItsSource) {
     const test::TemporaryFolder folder;
-    const std::string table = (folder.path / "table").string();
-    const std::string source = (folder.path / "source").string();
+    const std::string table = folder.file("table");
+    const std::string source = folder.file("source");
     EXPECT_THAT(run("data decay-table " + table), HasSubstr("Wrote 100 decay curves of 100 gains"));
     EXPECT_EQ(std::filesystem::file_size(table), 40000u);
     run("data decay-table --source " + source);
@@ -178,10 +178,10 @@ TEST(DecayTableCommand, RefusesAPlaceThatCannotBeWritten) {
 /// Known: the digest of the three letters "abc", from FIPS 180-4.
 TEST(Digests, AreSha256) {
     const test::TemporaryFolder folder;
-    std::ofstream(folder.path / "abc") << "abc";
-    EXPECT_EQ(sha256OfFile(folder.path / "abc"),
+    std::ofstream(folder.file("abc")) << "abc";
+    EXPECT_EQ(sha256OfFile(folder.file("abc")),
               "ba7816bf8f01cfea414140de5dae2223b00361a396177a9cb410ff61f20015ad");
-    EXPECT_THROW(sha256OfFile(folder.path / "none"), DataError);
+    EXPECT_THROW(sha256OfFile(folder.file("none")), DataError);
 }
 
 /// Known of the default set, from its own documents.
@@ -202,8 +202,8 @@ TEST(SofaFiles, CutShortAreRefused) {
     const test::TemporaryFolder folder;
     const std::string whole = contentOf(defaultSofaFile);
     for (const std::size_t size : {std::size_t{0}, std::size_t{100}, std::size_t{5000}}) {
-        std::ofstream(folder.path / "cut.sofa", std::ios::binary) << whole.substr(0, size);
-        EXPECT_THROW(readSofa(folder.path / "cut.sofa"), DataError) << size;
+        std::ofstream(folder.file("cut.sofa"), std::ios::binary) << whole.substr(0, size);
+        EXPECT_THROW(readSofa(folder.file("cut.sofa")), DataError) << size;
     }
 }
 

@@ -38,14 +38,14 @@ TEST(DecayCurves, AreTheTableOfThePluginBitForBit) { EXPECT_EQ(bitsOf(decayCurve
 
 TEST(DecayCurves, GiveTheSourceFileThatThePluginIsBuiltOf) {
     const test::TemporaryFolder folder;
-    writeDecaySource(folder.path / "values");
-    EXPECT_EQ(contentOf(folder.path / "values"), contentOf(KESTRUM_DECAY_SOURCE));
+    writeDecaySource(folder.file("values"));
+    EXPECT_EQ(contentOf(folder.file("values")), contentOf(KESTRUM_DECAY_SOURCE));
 }
 
 TEST(DecayCurves, AreWrittenAsLittleEndianFloatsRowAfterRow) {
     const test::TemporaryFolder folder;
-    writeDecayTable(folder.path / "table");
-    const std::string bytes = contentOf(folder.path / "table");
+    writeDecayTable(folder.file("table"));
+    const std::string bytes = contentOf(folder.file("table"));
     ASSERT_EQ(bytes.size(), 40000u);
     std::vector<std::uint32_t> bits;
     for (std::size_t at = 0; at < bytes.size(); at += 4) {

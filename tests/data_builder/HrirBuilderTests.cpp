@@ -104,7 +104,7 @@ protected:
         built = std::make_unique<BuiltSet>(buildResponses(readSofa(defaultSofaFile)));
         folder = std::make_unique<test::TemporaryFolder>();
         for (const BuiltFile& file : built->files)
-            writeResponseSet(file.set, folder->path);
+            writeResponseSet(file.set, folder->path());
     }
     static void TearDownTestSuite() {
         built.reset();
@@ -177,7 +177,7 @@ TEST_F(MeasuredHead, ChangesGentlyFromPlaceToPlaceDownToThePole) {
 TEST_F(MeasuredHead, IsReadByThePluginsOwnStore) {
     for (const BuiltFile& file : built->files) {
         orvane::TenmarshHrir store(std::make_unique<orvane::TenmarshHrirReader>());
-        store.load(file.set.file.sampleRate, folder->path.string());
+        store.load(file.set.file.sampleRate, folder->path());
         ASSERT_EQ(store.length(), file.set.file.length);
         orvane::SampleBuffer out(2, file.set.file.length);
         for (const int azimuth : {0, 5, 90, 175, 180, 185, 270, 355})
@@ -194,7 +194,7 @@ TEST_F(MeasuredHead, IsReadByThePluginsOwnStore) {
 
 TEST_F(MeasuredHead, PassesTheCheck) {
     for (const ResponseFile& file : responseFiles) {
-        const FileVerdict verdict = checkResponseFile(file, folder->path);
+        const FileVerdict verdict = checkResponseFile(file, folder->path());
         EXPECT_TRUE(verdict.sound) << verdict.finding;
     }
 }
@@ -203,20 +203,21 @@ TEST_F(MeasuredHead, PassesTheCheck) {
 TEST_F(MeasuredHead, GivesTheSameBytesEveryTime) {
     const test::TemporaryFolder again;
     std::ostringstream out;
-    runHrir({defaultSofaFile, again.path / "set", again.path / "report", false}, out);
+    runHrir({defaultSofaFile, again.file("set"), again.file("report"), false}, out);
     for (const ResponseFile& file : responseFiles)
-        EXPECT_EQ(bytesOf(folder->path / file.name), bytesOf(again.path / "set" / file.name)) << file.name;
+        EXPECT_EQ(bytesOf(folder->file(file.name)), bytesOf(again.file("set/" + std::string(file.name))))
+            << file.name;
     EXPECT_THAT(out.str(), HasSubstr("all goals met"));
-    const std::string page = bytesOf(again.path / "report" / "index.html");
+    const std::string page = bytesOf(again.file("report/index.html"));
     EXPECT_THAT(page, HasSubstr("This set is good: every figure meets its goal."));
     EXPECT_THAT(page, HasSubstr("<td>at least 99.5</td>"));
     EXPECT_THAT(page, HasSubstr("<img src=\"data:image/svg+xml;base64,"));
     for (const std::string plot : {"coverage", "delay", "level", "spectra", "diffuse", "kept", "responses"}) {
-        EXPECT_THAT(bytesOf(again.path / "report" / (plot + ".svg")), HasSubstr("</svg>"));
+        EXPECT_THAT(bytesOf(again.file("report/" + plot + ".svg")), HasSubstr("</svg>"));
     }
     std::ostringstream about;
     runHrir({defaultSofaFile, {}, {}, true}, about);
-    EXPECT_EQ(bytesOf(again.path / "set" / "about.json"), about.str());
+    EXPECT_EQ(bytesOf(again.file("set/about.json")), about.str());
     EXPECT_THAT(about.str(), HasSubstr("Bill Gardner and Keith Martin"));
 }
 

@@ -59,8 +59,8 @@ INSTANTIATE_TEST_SUITE_P(AllThreeRates, ResponseFiles, ::testing::ValuesIn(respo
 
 /// Sizes and offsets are those of the file format, written out by hand.
 TEST_P(ResponseFiles, HaveTheExactHeaderThatThePluginReads) {
-    writeResponseSet(plausibleSet(GetParam()), folder.path);
-    const std::string bytes = bytesOf(folder.path / GetParam().name);
+    writeResponseSet(plausibleSet(GetParam()), folder.path());
+    const std::string bytes = bytesOf(folder.file(GetParam().name));
     const std::size_t dataSize = GetParam().sampleRate == 24000   ? 1412320
                                  : GetParam().sampleRate == 44100 ? 2582528
                                                                   : 2804464;
@@ -86,14 +86,14 @@ TEST_P(ResponseFiles, HaveTheExactHeaderThatThePluginReads) {
 /// Null test: reading gives the written samples, rounded to 32-bit float; left stands first in each frame.
 TEST_P(ResponseFiles, ReadBackWhatWasWritten) {
     const ResponseSet written = plausibleSet(GetParam());
-    writeResponseSet(written, folder.path);
-    const ResponseSet read = readResponseSet(GetParam(), folder.path);
+    writeResponseSet(written, folder.path());
+    const ResponseSet read = readResponseSet(GetParam(), folder.path());
     for (std::size_t index = 0; index < responseCount; ++index)
         for (std::size_t ear = 0; ear < 2; ++ear)
             for (std::size_t frame = 0; frame < GetParam().length; ++frame)
                 ASSERT_EQ(read.responses[index][ear][frame],
                           static_cast<double>(static_cast<float>(written.responses[index][ear][frame])));
-    const std::string bytes = bytesOf(folder.path / GetParam().name);
+    const std::string bytes = bytesOf(folder.file(GetParam().name));
     float second = 0;
     std::uint32_t bits = 0;
     for (std::size_t index = 4; index-- > 0;)
@@ -103,8 +103,8 @@ TEST_P(ResponseFiles, ReadBackWhatWasWritten) {
 }
 
 TEST_P(ResponseFiles, AreFoundSoundByTheCheck) {
-    writeResponseSet(plausibleSet(GetParam()), folder.path);
-    const FileVerdict verdict = checkResponseFile(GetParam(), folder.path);
+    writeResponseSet(plausibleSet(GetParam()), folder.path());
+    const FileVerdict verdict = checkResponseFile(GetParam(), folder.path());
     EXPECT_TRUE(verdict.sound) << verdict.finding;
     EXPECT_THAT(verdict.finding, HasSubstr("2522 responses"));
 }
@@ -138,11 +138,11 @@ class DamagedFiles : public ::testing::TestWithParam<Damage> {};
 TEST_P(DamagedFiles, AreFoundWithTheReasonAndARemedy) {
     const ResponseFile& file = responseFiles[0];
     const test::TemporaryFolder folder;
-    writeResponseSet(plausibleSet(file), folder.path);
-    std::string bytes = bytesOf(folder.path / file.name);
+    writeResponseSet(plausibleSet(file), folder.path());
+    std::string bytes = bytesOf(folder.file(file.name));
     GetParam().spoil(bytes);
-    putBytes(folder.path / file.name, bytes);
-    const FileVerdict verdict = checkResponseFile(file, folder.path);
+    putBytes(folder.file(file.name), bytes);
+    const FileVerdict verdict = checkResponseFile(file, folder.path());
     EXPECT_FALSE(verdict.sound);
     EXPECT_THAT(verdict.finding, HasSubstr(GetParam().finding));
     EXPECT_FALSE(verdict.remedy.empty());
@@ -199,29 +199,29 @@ INSTANTIATE_TEST_SUITE_P(
 TEST(HostileHeaders, NeverCrashTheCheck) {
     const ResponseFile& file = responseFiles[2];
     const test::TemporaryFolder folder;
-    writeResponseSet(plausibleSet(file), folder.path);
-    const std::string whole = bytesOf(folder.path / file.name);
+    writeResponseSet(plausibleSet(file), folder.path());
+    const std::string whole = bytesOf(folder.file(file.name));
     for (std::size_t offset = 0; offset < 44; ++offset)
         for (const int value : {0x00, 0x7f, 0xff}) {
             std::string bytes = whole.substr(0, 4096);
             bytes[offset] = static_cast<char>(value);
-            putBytes(folder.path / file.name, bytes);
-            EXPECT_FALSE(checkResponseFile(file, folder.path).sound);
+            putBytes(folder.file(file.name), bytes);
+            EXPECT_FALSE(checkResponseFile(file, folder.path()).sound);
         }
 }
 
 TEST(DataFolders, WithAFolderInAFilesPlaceLackThatFile) {
     const test::TemporaryFolder folder;
-    std::filesystem::create_directory(folder.path / responseFiles[0].name);
-    const FileVerdict verdict = checkResponseFile(responseFiles[0], folder.path);
+    std::filesystem::create_directory(folder.file(responseFiles[0].name));
+    const FileVerdict verdict = checkResponseFile(responseFiles[0], folder.path());
     EXPECT_FALSE(verdict.sound);
     EXPECT_EQ(verdict.finding, "it is missing or may not be read");
 }
 
 TEST(DataFolders, AreCheckedFileByFile) {
     const test::TemporaryFolder folder;
-    writeResponseSet(plausibleSet(responseFiles[0]), folder.path);
-    const auto verdicts = checkDataFolder(folder.path);
+    writeResponseSet(plausibleSet(responseFiles[0]), folder.path());
+    const auto verdicts = checkDataFolder(folder.path());
     ASSERT_EQ(verdicts.size(), 7u);
     EXPECT_EQ(verdicts[0].name, "OVNdata120.dat");
     EXPECT_TRUE(verdicts[0].sound);
@@ -236,10 +236,10 @@ TEST(DataFolders, AreCheckedFileByFile) {
 /// A set that another version of the program made has to be made anew, head or rooms.
 TEST(DataFolders, SayByWhichMethodsTheyWereMade) {
     const test::TemporaryFolder folder;
-    EXPECT_THAT(checkAbout(folder.path).finding, HasSubstr("missing"));
+    EXPECT_THAT(checkAbout(folder.path()).finding, HasSubstr("missing"));
     const auto verdictOf = [&folder](const std::string& text) {
-        writeAbout(text, folder.path);
-        return checkAbout(folder.path);
+        writeAbout(text, folder.path());
+        return checkAbout(folder.path());
     };
     const std::string head = R"({"method": )" + std::to_string(methodNumber);
     EXPECT_FALSE(verdictOf("no text of this kind").sound);
@@ -248,8 +248,8 @@ TEST(DataFolders, SayByWhichMethodsTheyWereMade) {
     EXPECT_THAT(verdictOf(head + R"(, "rooms": {"method": 1000000}})").finding, HasSubstr("another version"));
     EXPECT_THAT(verdictOf(head + R"(, "rooms": {"method": 1000000}})").remedy,
                 HasSubstr("kestrum data reverb"));
-    writeAbout(head + "}", folder.path);
-    EXPECT_TRUE(verdictOf(aboutWithReverb(folder.path)).sound);
+    writeAbout(head + "}", folder.path());
+    EXPECT_TRUE(verdictOf(aboutWithReverb(folder.path())).sound);
 }
 
 } // namespace

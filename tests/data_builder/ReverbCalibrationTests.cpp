@@ -53,17 +53,17 @@ std::string refusalFor(const std::filesystem::path& folder) {
 TEST(Calibrations, ThatFailLeaveNothingBehind) {
     const test::TemporaryFolder temporary;
     const test::TemporaryFolder withoutHead;
-    const TemporaryFilesIn redirected(temporary.path);
-    EXPECT_THAT(refusalFor(withoutHead.path),
+    const TemporaryFilesIn redirected(temporary.path());
+    EXPECT_THAT(refusalFor(withoutHead.path()),
                 AllOf(HasSubstr("OVNdata121.dat"), HasSubstr("cannot be made")));
-    EXPECT_TRUE(std::filesystem::is_empty(temporary.path));
-    EXPECT_TRUE(std::filesystem::is_empty(withoutHead.path));
+    EXPECT_TRUE(std::filesystem::is_empty(temporary.path()));
+    EXPECT_TRUE(std::filesystem::is_empty(withoutHead.path()));
 }
 
 TEST(Calibrations, WithoutAPlaceForTemporaryFilesSayWhatToDo) {
     const test::TemporaryFolder folder;
     const TemporaryFilesIn redirected("/proc/none");
-    EXPECT_THAT(refusalFor(folder.path), HasSubstr("TMPDIR"));
+    EXPECT_THAT(refusalFor(folder.path()), HasSubstr("TMPDIR"));
 }
 
 } // namespace

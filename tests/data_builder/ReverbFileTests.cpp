@@ -27,8 +27,8 @@ class ReverbFiles : public ::testing::Test {
 protected:
     static constexpr ReverbFile file = reverbFiles[2];
 
-    void SetUp() override { writeReverbSet(set, folder.path); }
-    std::string path() const { return (folder.path / file.name).string(); }
+    void SetUp() override { writeReverbSet(set, folder.path()); }
+    std::string path() const { return folder.file(file.name); }
     void overwrite(std::streamoff at, const void* bytes, std::streamsize count) const {
         std::fstream stream(path(), std::ios::binary | std::ios::in | std::ios::out);
         stream.seekp(at);
@@ -71,7 +71,7 @@ TEST_F(ReverbFiles, HaveTheSizeOfTheirFrames) {
 }
 
 TEST_F(ReverbFiles, ComeBackAsTheyWereWritten) {
-    const ReverbSet back = readReverbSet(file, folder.path);
+    const ReverbSet back = readReverbSet(file, folder.path());
     ASSERT_EQ(back.entries.size(), set.entries.size());
     for (std::size_t index = 0; index < set.entries.size(); ++index)
         for (std::size_t ear = 0; ear < 2; ++ear)
@@ -81,16 +81,16 @@ TEST_F(ReverbFiles, ComeBackAsTheyWereWritten) {
 }
 
 TEST_F(ReverbFiles, AreSoundAsTheyWereWritten) {
-    const FileVerdict verdict = checkReverbFile(file, folder.path);
+    const FileVerdict verdict = checkReverbFile(file, folder.path());
     EXPECT_TRUE(verdict.sound) << verdict.finding;
     EXPECT_THAT(verdict.finding, HasSubstr("46 rooms at 24000 Hz"));
 }
 
 TEST_F(ReverbFiles, CutShortOrMissingAreNotSound) {
     std::filesystem::resize_file(path(), 5000);
-    EXPECT_THAT(checkReverbFile(file, folder.path).finding, HasSubstr("5000 bytes instead of"));
+    EXPECT_THAT(checkReverbFile(file, folder.path()).finding, HasSubstr("5000 bytes instead of"));
     std::filesystem::remove(path());
-    const FileVerdict verdict = checkReverbFile(file, folder.path);
+    const FileVerdict verdict = checkReverbFile(file, folder.path());
     EXPECT_FALSE(verdict.sound);
     EXPECT_THAT(verdict.finding, HasSubstr("missing"));
     EXPECT_THAT(verdict.remedy, HasSubstr("kestrum data reverb"));
@@ -99,45 +99,46 @@ TEST_F(ReverbFiles, CutShortOrMissingAreNotSound) {
 TEST_F(ReverbFiles, WithAStartBeyondTheEndAreNotSound) {
     const std::uint32_t beyond = 0xfffffff0U;
     overwrite(2 + 4 * (56 - 1), &beyond, sizeof beyond);
-    EXPECT_THAT(checkReverbFile(file, folder.path).finding, HasSubstr("entry 56 starts at frame 4294967280"));
+    EXPECT_THAT(checkReverbFile(file, folder.path()).finding,
+                HasSubstr("entry 56 starts at frame 4294967280"));
 }
 
 /// Inside the file, but in the middle of another room; entry 15 is the first that a room uses, entry 1 is unused.
 TEST_F(ReverbFiles, WithAWrongStartInsideAreNotSound) {
     const std::uint32_t late = 2;
     overwrite(2 + 4 * (15 - 1), &late, sizeof late);
-    EXPECT_THAT(checkReverbFile(file, folder.path).finding,
+    EXPECT_THAT(checkReverbFile(file, folder.path()).finding,
                 HasSubstr("entry 15 starts at frame 2 instead of 1"));
-    writeReverbSet(set, folder.path);
+    writeReverbSet(set, folder.path());
     overwrite(2, &late, sizeof late);
-    EXPECT_THAT(checkReverbFile(file, folder.path).finding,
+    EXPECT_THAT(checkReverbFile(file, folder.path()).finding,
                 HasSubstr("entry 1 starts at frame 2 instead of 0"));
 }
 
 TEST_F(ReverbFiles, WithASoundInTheFrameOfTheUnusedEntriesAreNotSound) {
     const float sound = 0.5F;
     for (const std::streamoff ear : {0, 4}) {
-        writeReverbSet(set, folder.path);
+        writeReverbSet(set, folder.path());
         overwrite(2 + 60 * 4 + ear, &sound, sizeof sound);
-        EXPECT_THAT(checkReverbFile(file, folder.path).finding, HasSubstr("is not silent")) << ear;
+        EXPECT_THAT(checkReverbFile(file, folder.path()).finding, HasSubstr("is not silent")) << ear;
     }
 }
 
 TEST_F(ReverbFiles, WithSamplesThatAreNoNumbersAreNotSound) {
     const float none = std::numeric_limits<float>::quiet_NaN();
     overwrite(2 + 60 * 4 + 8 * 5000, &none, sizeof none);
-    EXPECT_THAT(checkReverbFile(file, folder.path).finding, HasSubstr("no numbers"));
+    EXPECT_THAT(checkReverbFile(file, folder.path()).finding, HasSubstr("no numbers"));
 }
 
 TEST_F(ReverbFiles, OfALevelThatNoCalibrationGivesAreNotSound) {
     for (double& sample : set.entries[10].ears[0])
         sample *= 10;
-    writeReverbSet(set, folder.path);
-    EXPECT_THAT(checkReverbFile(file, folder.path).finding, HasSubstr("room 12 has its peak at 20 dB"));
+    writeReverbSet(set, folder.path());
+    EXPECT_THAT(checkReverbFile(file, folder.path()).finding, HasSubstr("room 12 has its peak at 20 dB"));
     set = test::toneRooms(file);
     std::ranges::fill(set.entries[10].ears[1], 0.0);
-    writeReverbSet(set, folder.path);
-    EXPECT_THAT(checkReverbFile(file, folder.path).finding, HasSubstr("room 12 is silent at one ear"));
+    writeReverbSet(set, folder.path());
+    EXPECT_THAT(checkReverbFile(file, folder.path()).finding, HasSubstr("room 12 is silent at one ear"));
 }
 
 TEST(ReverbFileErrors, NameTheFolderThatCannotBeWritten) {

@@ -3,12 +3,12 @@
 
 #include "data/MeasuredSet.h"
 
+#include "support/WaveFile.h"
+
 #include <cmath>
 #include <cstddef>
-#include <filesystem>
 #include <numbers>
 #include <random>
-#include <string>
 #include <vector>
 
 namespace test {
@@ -98,22 +98,5 @@ inline std::vector<Direction> scattered(int count, unsigned seed) {
             directionFrom(180 * unit(random), std::asin(unit(random)) * 180 / std::numbers::pi));
     return directions;
 }
-
-/// A folder of its own that goes with the test.
-class TemporaryFolder {
-public:
-    TemporaryFolder() {
-        std::string pattern = (std::filesystem::temp_directory_path() / "kestrum-data-XXXXXX").string();
-        path = mkdtemp(pattern.data());
-    }
-    ~TemporaryFolder() {
-        std::error_code ignored;
-        std::filesystem::remove_all(path, ignored);
-    }
-    TemporaryFolder(const TemporaryFolder&) = delete;
-    TemporaryFolder& operator=(const TemporaryFolder&) = delete;
-
-    std::filesystem::path path;
-};
 
 } // namespace test

@@ -6,6 +6,8 @@
 #include <algorithm>
 #include <cmath>
 #include <functional>
+#include <limits>
+#include <optional>
 #include <vector>
 
 using namespace orvane;
@@ -135,6 +137,16 @@ TEST(DecayTable, HasNoRipplesFromRowToRow) {
         EXPECT_LE(inflectionsOf(columnOf(column)), 3) << column;
         EXPECT_LT(largestBendOf(columnOf(column)), 0.004) << column;
     }
+}
+
+/// By hand: two rows a percent from 50 on; below there is nothing shorter, from 100 on nothing to shorten.
+TEST(DecayRows, AreTwoAPercentFrom50On) {
+    EXPECT_EQ(decayRow(50), 0u);
+    EXPECT_EQ(decayRow(75), 50u);
+    EXPECT_EQ(decayRow(99.9F), 99u);
+    EXPECT_EQ(decayRow(0), 0u);
+    EXPECT_EQ(decayRow(100), std::nullopt);
+    EXPECT_EQ(decayRow(std::numeric_limits<float>::quiet_NaN()), std::nullopt);
 }
 
 } // namespace

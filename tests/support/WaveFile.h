@@ -10,6 +10,7 @@
 #include <optional>
 #include <stdexcept>
 #include <string>
+#include <string_view>
 #include <type_traits>
 #include <vector>
 
@@ -32,7 +33,7 @@ public:
     TemporaryFolder& operator=(const TemporaryFolder&) = delete;
 
     std::string path() const { return folder.string(); }
-    std::string file(const std::string& name) const { return (folder / name).string(); }
+    std::string file(std::string_view name) const { return (folder / name).string(); }
 
 private:
     std::filesystem::path folder;

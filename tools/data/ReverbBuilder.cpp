@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <mutex>
+#include <optional>
 
 namespace orvane::kestrum::tools {
 
@@ -29,10 +30,10 @@ std::span<const float> heardThrough(const RoomDescription& room) {
     });
     if (scene == presets.end())
         return {};
-    const float way = (scene->reverbDecayPercent - 50) / 50;
-    if (way >= 1)
+    const std::optional<std::uint32_t> row = decayRow(scene->reverbDecayPercent);
+    if (!row)
         return {};
-    return decayTable().subspan(static_cast<std::size_t>(way * 100) * decayTableColumns, decayTableColumns);
+    return decayTable().subspan(std::size_t{*row} * decayTableColumns, decayTableColumns);
 }
 
 std::vector<ReverbEntry> synthesiseRooms(const DiffuseHead& head, const RoomDone& done) {

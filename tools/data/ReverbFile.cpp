@@ -3,6 +3,7 @@
 
 #include "data/DataError.h"
 #include "data/WholeFile.h"
+#include "room/ReverbRooms.h"
 
 #include <algorithm>
 #include <bit>
@@ -17,16 +18,16 @@ namespace {
 constexpr std::size_t markSize = 2; ///< Bytes before the table, which nobody reads.
 constexpr std::size_t offsetSize = 4;
 constexpr std::size_t frameSize = 8;
-constexpr std::size_t framesStart = markSize + offsetSize * reverbEntryCount;
+constexpr std::size_t framesStart = markSize + offsetSize * reverbTableSize;
 
 /// Where each entry starts, in frames; unused entries start at the silent frame 0.
-std::array<std::size_t, reverbEntryCount> entryStarts(const ReverbFile& file) {
-    std::array<std::size_t, reverbEntryCount> lengths{};
+std::array<std::size_t, reverbTableSize> entryStarts(const ReverbFile& file) {
+    std::array<std::size_t, reverbTableSize> lengths{};
     for (const RoomDescription& room : roomDescriptions())
         lengths[entryOf(room) - 1] = frameCountAt(room, file.sampleRate);
-    std::array<std::size_t, reverbEntryCount> starts{};
+    std::array<std::size_t, reverbTableSize> starts{};
     std::size_t next = 1;
-    for (std::size_t index = 0; index < reverbEntryCount; ++index)
+    for (std::size_t index = 0; index < reverbTableSize; ++index)
         if (lengths[index] > 0) {
             starts[index] = next;
             next += lengths[index];
@@ -50,7 +51,7 @@ void setFloat(Bytes& bytes, std::size_t offset, double value) {
 }
 
 /// Every entry where the plug-in's own table of lengths puts it, and silence where the unused ones lead.
-void requireStarts(const Bytes& bytes, const std::array<std::size_t, reverbEntryCount>& starts) {
+void requireStarts(const Bytes& bytes, const std::array<std::size_t, reverbTableSize>& starts) {
     for (std::size_t index = 0; index < starts.size(); ++index) {
         const std::size_t start = get32(bytes, markSize + offsetSize * index);
         if (start != starts[index])

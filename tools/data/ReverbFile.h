@@ -24,8 +24,6 @@ inline constexpr std::array<ReverbFile, 3> reverbFiles{{
     {"OVNdata512.dat", 24000},
 }};
 
-inline constexpr std::size_t reverbEntryCount = 60;
-
 /// One room's response in a file.
 struct ReverbEntry {
     int room = 0;
