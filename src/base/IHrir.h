@@ -29,6 +29,15 @@ public:
     /// Samples per ear of one response at the running rate; 0 until the first load.
     virtual std::uint64_t length() const noexcept ORVANE_REALTIME = 0;
 
+    /// Names the set in service: another number for every other content, never 0, unique in the process.
+    virtual std::uint64_t generation() const noexcept ORVANE_REALTIME = 0;
+
+    /// The grid cell that a direction truncates to: directions of one cell have one response.
+    ///
+    /// Units   whole degrees in the store's own frame: clamped to +/-180 and +/-90.
+    virtual std::uint32_t cell(std::int32_t azimuthDegrees,
+                               std::int32_t elevationDegrees) const noexcept ORVANE_REALTIME = 0;
+
     /// Copies the response of the grid cell that the direction truncates to: left ear to channel 0, right
     /// to 1.
     ///
@@ -36,8 +45,13 @@ public:
     /// Units   whole degrees in the store's own frame: clamped to +/-180 and +/-90.
     /// Thread  any, wait-free, also while another thread loads.
     /// @param simple true for the synthetic set: one impulse per ear, time and level difference only.
-    virtual void getResponse(SampleBuffer& out, std::int32_t azimuthDegrees, std::int32_t elevationDegrees,
-                             bool simple) const noexcept ORVANE_REALTIME = 0;
+    /// @return generation() of the set that was copied from.
+    virtual std::uint64_t getResponse(SampleBuffer& out, std::int32_t azimuthDegrees,
+                                      std::int32_t elevationDegrees,
+                                      bool simple) const noexcept ORVANE_REALTIME = 0;
 };
+
+/// A generation() that no other set of the process has.
+std::uint64_t newHrirGeneration() noexcept;
 
 } // namespace orvane

@@ -2,12 +2,15 @@
 #pragma once
 
 #include "binaural/IBinauralComponentFactory.h"
+#include "binaural/RenderOptions.h"
 
 namespace orvane {
 
-/// Stateless: one instance serves every thread.
+/// One instance serves every thread.
 class BinauralComponentFactory final : public IBinauralComponentFactory {
 public:
+    explicit BinauralComponentFactory(const RenderOptions& options = {}) noexcept : options(options) {}
+
     std::unique_ptr<IUpdateChecker> createUpdateChecker(ISpatialParameterSetView* view, bool watchSource,
                                                         bool watchRoom) const override;
     std::unique_ptr<IReflectionMechanic> createRealtimeReflectionMechanic(float sampleRate,
@@ -27,6 +30,9 @@ public:
     createReflectionRenderer(float sampleRate, std::uint64_t responseLength, bool simple,
                              ISpatialParameterSetView* view, IHrir* hrir,
                              std::unique_ptr<IReflectionMechanic> mechanic) const override;
+
+private:
+    RenderOptions options;
 };
 
 } // namespace orvane

@@ -15,8 +15,10 @@ constexpr float tailRampFactor = 4.0f;
 } // namespace
 
 BinauralProcessor::BinauralProcessor(std::uint64_t extraLength, bool hardSwitch,
-                                     ISpatialParameterSetView* view, const IBinauralProcessorBuilder& builder)
-    : hardSwitch(hardSwitch),
+                                     ISpatialParameterSetView* view, const IBinauralProcessorBuilder& builder,
+                                     RenderPath path)
+    : path(path),
+      hardSwitch(hardSwitch),
       responseLength(builder.responseLength()),
       view(view),
       updateChecker(builder.createUpdateChecker()),

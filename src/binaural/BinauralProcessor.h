@@ -7,6 +7,7 @@
 #include "binaural/IBinauralProcessorBuilder.h"
 #include "binaural/IConvolution.h"
 #include "binaural/IUpdateChecker.h"
+#include "binaural/RenderOptions.h"
 #include "engine/fades/ICrossFader.h"
 #include "parameters/ISpatialParameterSetView.h"
 
@@ -33,7 +34,7 @@ public:
     /// @param hardSwitch replaces a changed response without a crossfade.
     /// @param view borrowed.
     BinauralProcessor(std::uint64_t extraLength, bool hardSwitch, ISpatialParameterSetView* view,
-                      const IBinauralProcessorBuilder& builder);
+                      const IBinauralProcessorBuilder& builder, RenderPath path = RenderPath::fast);
 
     /// Errors  std::out_of_range when the response is shorter than its tail ramp of 15 samples.
     void process(const SampleBuffer& input, SampleBuffer& output) ORVANE_REALTIME override;
@@ -41,6 +42,7 @@ public:
 private:
     void drawResponse() ORVANE_REALTIME;
 
+    RenderPath path;
     bool hardSwitch;
     std::uint64_t responseLength;
     ISpatialParameterSetView* view;

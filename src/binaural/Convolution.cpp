@@ -39,10 +39,8 @@ Convolution::Convolution(double sampleRate, std::uint64_t blockSize, std::uint64
 void Convolution::process(SampleSpan input, SampleBuffer& output, const SampleBuffer& impulseResponse,
                           bool updateResponse) {
     pushInput(input);
-    if (updateResponse) {
-        prepareSpectra(leftSpectra, impulseResponse.channelPointers[0]);
-        prepareSpectra(rightSpectra, impulseResponse.channelPointers[1]);
-    }
+    if (updateResponse)
+        prepare(impulseResponse);
     output.writeChannelScaled(0, convolve(leftSpectra), inverseScale);
     output.writeChannelScaled(1, convolve(rightSpectra), inverseScale);
 }
@@ -60,6 +58,11 @@ void Convolution::processCrossfaded(SampleSpan input, SampleBuffer& oldOutput, S
     newOutput.writeChannelScaled(0, convolve(leftSpectra), inverseScale);
     prepareSpectra(rightSpectra, impulseResponse.channelPointers[1]);
     newOutput.writeChannelScaled(1, convolve(rightSpectra), inverseScale);
+}
+
+void Convolution::prepare(const SampleBuffer& impulseResponse) {
+    prepareSpectra(leftSpectra, impulseResponse.channelPointers[0]);
+    prepareSpectra(rightSpectra, impulseResponse.channelPointers[1]);
 }
 
 void Convolution::pushInput(SampleSpan input) noexcept {

@@ -34,6 +34,9 @@ public:
     void processCrossfaded(SampleSpan input, SampleBuffer& oldOutput, SampleBuffer& newOutput,
                            const SampleBuffer& impulseResponse, bool updateResponse) ORVANE_REALTIME override;
 
+    void prepare(const SampleBuffer& impulseResponse) override;
+    void workAhead(std::uint64_t /*pendingSamples*/) ORVANE_REALTIME override {}
+
     /// Deliberate: 44100 / 48000 at 48, 96 and 192 kHz, 1 at every other rate.
     float outputGain() const noexcept ORVANE_REALTIME override { return gain; }
 

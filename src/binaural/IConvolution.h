@@ -4,6 +4,8 @@
 #include "base/Realtime.h"
 #include "base/SampleSpan.h"
 
+#include <cstdint>
+
 namespace orvane {
 
 class SampleBuffer;
@@ -27,6 +29,16 @@ public:
     virtual void processCrossfaded(SampleSpan input, SampleBuffer& oldOutput, SampleBuffer& newOutput,
                                    const SampleBuffer& impulseResponse,
                                    bool updateResponse) ORVANE_REALTIME = 0;
+
+    /// Replaces the response between blocks, on the building thread: the first block then need not.
+    ///
+    /// Shape   as in process().
+    virtual void prepare(const SampleBuffer& impulseResponse) = 0;
+
+    /// Does work that the next block would otherwise have to do; changes no output.
+    ///
+    /// @param pendingSamples how many of the next block's samples have come in, below blockSize.
+    virtual void workAhead(std::uint64_t pendingSamples) ORVANE_REALTIME = 0;
 
     /// Linear gain that the owner applies to the finished block; the convolver does not.
     virtual float outputGain() const noexcept ORVANE_REALTIME = 0;

@@ -86,6 +86,7 @@ struct TenmarshHrir::Table {
     std::int32_t sampleRate = 0;
     std::uint64_t length = 0;
     std::int32_t bandLimitFactor = 1;
+    std::uint64_t generation = newHrirGeneration();
     std::vector<float> measuredSamples;
     std::vector<float> syntheticSamples;
     Responses measuredResponses{};
@@ -164,18 +165,28 @@ std::uint64_t TenmarshHrir::length() const noexcept {
     return table != nullptr ? table->length : 0;
 }
 
-void TenmarshHrir::getResponse(SampleBuffer& out, std::int32_t azimuthDegrees, std::int32_t elevationDegrees,
-                               bool simple) const noexcept {
+std::uint64_t TenmarshHrir::generation() const noexcept {
     const Table* const table = current.load(std::memory_order_acquire);
-    if (table == nullptr)
-        return;
+    return table != nullptr ? table->generation : emptyGeneration;
+}
+
+std::uint32_t TenmarshHrir::cell(std::int32_t azimuthDegrees, std::int32_t elevationDegrees) const noexcept {
     const std::int32_t a = (std::clamp(azimuthDegrees, -180, 180) + 180) / degreesPerCell;
     const std::int32_t e = (std::clamp(elevationDegrees, -90, 90) + 90) / degreesPerCell;
+    return static_cast<std::uint32_t>(slot(static_cast<std::size_t>(a), static_cast<std::size_t>(e)));
+}
+
+std::uint64_t TenmarshHrir::getResponse(SampleBuffer& out, std::int32_t azimuthDegrees,
+                                        std::int32_t elevationDegrees, bool simple) const noexcept {
+    const Table* const table = current.load(std::memory_order_acquire);
+    if (table == nullptr)
+        return emptyGeneration;
     const Grid& grid = simple ? table->syntheticGrid : table->measuredGrid;
-    const float* const response = grid[slot(static_cast<std::size_t>(a), static_cast<std::size_t>(e))];
+    const float* const response = grid[cell(azimuthDegrees, elevationDegrees)];
     const std::uint64_t count = std::min(table->length, out.numSamples);
     for (std::uint64_t ear = 0; ear < std::min<std::uint64_t>(2, out.numChannels); ++ear)
         std::copy_n(response + ear * table->length, count, out.channelPointers[ear]);
+    return table->generation;
 }
 
 IHrir* processWideHrir(std::unique_ptr<IHrirReader> reader) {

@@ -39,11 +39,15 @@ public:
     void load(std::int32_t sampleRate, const std::string& dataDirectory) override;
     std::int32_t bandLimitFactor() const noexcept ORVANE_REALTIME override;
     std::uint64_t length() const noexcept ORVANE_REALTIME override;
+    std::uint64_t generation() const noexcept ORVANE_REALTIME override;
+    std::uint32_t cell(std::int32_t azimuthDegrees,
+                       std::int32_t elevationDegrees) const noexcept ORVANE_REALTIME override;
 
     /// Copies the smaller of length() and the buffer's length. Leaves the samples behind that as they are
-    /// (the renderers clear their buffers first), and before the first load the whole of `out`.
-    void getResponse(SampleBuffer& out, std::int32_t azimuthDegrees, std::int32_t elevationDegrees,
-                     bool simple) const noexcept ORVANE_REALTIME override;
+    /// (the renderers clear their buffers first), and before the first load the whole of `out`
+    /// (and the generation is that of the empty store).
+    std::uint64_t getResponse(SampleBuffer& out, std::int32_t azimuthDegrees, std::int32_t elevationDegrees,
+                              bool simple) const noexcept ORVANE_REALTIME override;
 
 private:
     struct Table;
@@ -51,7 +55,8 @@ private:
     const Table* keep(std::unique_ptr<const Table> table);
 
     std::unique_ptr<IHrirReader> reader;
-    std::atomic<const Table*> current{nullptr}; ///< One of `tables`.
+    std::uint64_t emptyGeneration = newHrirGeneration(); ///< Before the first load.
+    std::atomic<const Table*> current{nullptr};          ///< One of `tables`.
     std::mutex loadMutex;
     std::vector<std::unique_ptr<const Table>> tables; ///< Guarded by `loadMutex`; only ever grows.
 };

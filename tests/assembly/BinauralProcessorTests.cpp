@@ -13,6 +13,7 @@
 #include "room/SpeakerReflectionRenderer.h"
 #include "support/RealtimeScope.h"
 #include "support/SphericalHead.h"
+#include "support/StandInHrir.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -146,13 +147,13 @@ TEST(BinauralProcessor, AHardSwitchTakesTheNewResponseAtOnce) {
 
 TEST(BinauralProcessor, TheLast15SamplesOfAResponseAreRampedDown) {
     // A head whose response is 1 everywhere fills a response of exactly its length.
-    struct Ones final : IHrir {
-        void load(std::int32_t, const std::string&) override {}
-        std::int32_t bandLimitFactor() const noexcept override { return 1; }
+    struct Ones final : test::StandInHrir {
         std::uint64_t length() const noexcept override { return 1024; }
-        void getResponse(SampleBuffer& out, std::int32_t, std::int32_t, bool) const noexcept override {
+        std::uint64_t getResponse(SampleBuffer& out, std::int32_t, std::int32_t,
+                                  bool) const noexcept override {
             for (std::uint64_t channel = 0; channel < 2; ++channel)
                 std::fill_n(out.channelPointers[channel], out.numSamples, 1.0f);
+            return generation();
         }
     } ones;
     ParameterSet general;
@@ -223,14 +224,14 @@ TEST(BinauralProcessor, NeitherAllocatesNorLocksWhileItDrawsAndConvolves) {
 // The two direct renderers.
 
 TEST(DirectFilterRenderer, AsksForTheTruncatedDirectionMirroredToTheStoresSide) {
-    struct Recorder final : IHrir {
-        void load(std::int32_t, const std::string&) override {}
-        std::int32_t bandLimitFactor() const noexcept override { return 1; }
+    struct Recorder final : test::StandInHrir {
         std::uint64_t length() const noexcept override { return 16; }
-        void getResponse(SampleBuffer&, std::int32_t a, std::int32_t e, bool s) const noexcept override {
+        std::uint64_t getResponse(SampleBuffer&, std::int32_t a, std::int32_t e,
+                                  bool s) const noexcept override {
             azimuth = a;
             elevation = e;
             simple = s;
+            return generation();
         }
         mutable std::int32_t azimuth = 0;
         mutable std::int32_t elevation = 0;

@@ -38,8 +38,10 @@ inline std::vector<float*> channelPointers(Channels& channels) {
 class Product {
 public:
     /// @param dataDirectory where the reverb files lie; by default a folder of short made-up ones.
-    explicit Product(orvane::IHrir* store = nullptr, const std::string& dataDirectory = reverbFolder())
-        : hrir(store != nullptr ? store : &ownHead) {
+    /// @param options by default those of the product.
+    explicit Product(orvane::IHrir* store = nullptr, const std::string& dataDirectory = reverbFolder(),
+                     const orvane::RenderOptions& options = {})
+        : factory(options), hrir(store != nullptr ? store : &ownHead) {
         using namespace orvane::kestrum::core;
         layouts = factory.createSupportedLayouts();
         speakerSetup = factory.createSelectorValue(selectorId("2.0 +/-30°"));

@@ -76,6 +76,8 @@ struct PassThrough final : IConvolution {
     void processCrossfaded(SampleSpan, SampleBuffer&, SampleBuffer&, const SampleBuffer&, bool) override {
         FAIL() << "the reverb replaces its response without a fade";
     }
+    void prepare(const SampleBuffer&) override {}
+    void workAhead(std::uint64_t) override {}
     float outputGain() const noexcept override { return gain; }
     float gain = 1;
 };

@@ -15,6 +15,7 @@
 #include "support/RealtimeScope.h"
 #include "support/Signals.h"
 #include "support/SphericalHead.h"
+#include "support/StandInHrir.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -216,12 +217,12 @@ TEST_P(BothRenderers, AReflectionDoesNotHearItsNeighbours) {
 }
 
 TEST_P(BothRenderers, AskTheStoreForTheReflectionsOwnDirectionInItsFrame) {
-    struct Recorder final : IHrir {
-        void load(std::int32_t, const std::string&) override {}
-        std::int32_t bandLimitFactor() const noexcept override { return 1; }
+    struct Recorder final : test::StandInHrir {
         std::uint64_t length() const noexcept override { return headLength; }
-        void getResponse(SampleBuffer&, std::int32_t a, std::int32_t e, bool s) const noexcept override {
+        std::uint64_t getResponse(SampleBuffer&, std::int32_t a, std::int32_t e,
+                                  bool s) const noexcept override {
             asked = {a, e, s};
+            return generation();
         }
         mutable std::tuple<int, int, bool> asked;
     } recorder;

@@ -7,6 +7,7 @@
 #include "shell/ChannelConfigurations.h"
 #include "shell/Factory.h"
 #include "support/NoTracker.h"
+#include "support/StandInHrir.h"
 
 #include <algorithm>
 #include <cmath>
@@ -29,12 +30,13 @@ public:
 const auto* const noScreen = ::testing::AddGlobalTestEnvironment(new NoScreen);
 
 /// A store that has a set for every rate.
-class AnyRateHrir final : public orvane::IHrir {
+class AnyRateHrir final : public test::StandInHrir {
 public:
-    void load(std::int32_t, const std::string&) override {}
-    std::int32_t bandLimitFactor() const noexcept override { return 1; }
     std::uint64_t length() const noexcept override { return 0; }
-    void getResponse(orvane::SampleBuffer&, std::int32_t, std::int32_t, bool) const noexcept override {}
+    std::uint64_t getResponse(orvane::SampleBuffer&, std::int32_t, std::int32_t,
+                              bool) const noexcept override {
+        return generation();
+    }
 };
 
 orvane::IHrir* sharedStore() {

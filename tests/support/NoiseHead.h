@@ -1,19 +1,18 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "base/IHrir.h"
 #include "base/SampleBuffer.h"
+#include "support/StandInHrir.h"
 
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
-#include <string>
 
 namespace test {
 
 /// A store with fading noise of its own in either ear for every whole degree, dense in time and frequency as
 /// measured heads are: no two directions can be confused, and no error of a filter hides.
-class NoiseHead final : public orvane::IHrir {
+class NoiseHead final : public StandInHrir {
 public:
     explicit NoiseHead(std::uint64_t responseLength) : samples(responseLength) {}
 
@@ -30,15 +29,14 @@ public:
         return noise * std::exp(-5.0f * static_cast<float>(i) / static_cast<float>(samples));
     }
 
-    void load(std::int32_t /*sampleRate*/, const std::string& /*dataDirectory*/) override {}
-    std::int32_t bandLimitFactor() const noexcept override { return 1; }
     std::uint64_t length() const noexcept override { return samples; }
 
-    void getResponse(orvane::SampleBuffer& out, std::int32_t azimuthDegrees, std::int32_t elevationDegrees,
-                     bool /*simple*/) const noexcept override {
+    std::uint64_t getResponse(orvane::SampleBuffer& out, std::int32_t azimuthDegrees,
+                              std::int32_t elevationDegrees, bool /*simple*/) const noexcept override {
         for (std::uint64_t ear = 0; ear < 2; ++ear)
             for (std::uint64_t i = 0; i < std::min(samples, out.numSamples); ++i)
                 out.channelPointers[ear][i] = at(ear, azimuthDegrees, elevationDegrees, i);
+        return generation();
     }
 
 private:

@@ -1,14 +1,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "base/IHrir.h"
 #include "base/SampleBuffer.h"
+#include "support/StandInHrir.h"
 
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
 #include <numbers>
-#include <string>
 
 namespace test {
 
@@ -17,7 +16,7 @@ namespace test {
 ///
 /// Frame   as the real store: the azimuth it is asked for counts to the left (renderers negate before they
 /// ask).
-class SphericalHead final : public orvane::IHrir {
+class SphericalHead final : public StandInHrir {
 public:
     explicit SphericalHead(std::uint64_t responseLength = 128) : samples(responseLength) {}
 
@@ -35,12 +34,10 @@ public:
                 static_cast<float>(std::pow(10.0, lateral * 6.0 / 20.0))};
     }
 
-    void load(std::int32_t /*sampleRate*/, const std::string& /*dataDirectory*/) override {}
-    std::int32_t bandLimitFactor() const noexcept override { return 1; }
     std::uint64_t length() const noexcept override { return samples; }
 
-    void getResponse(orvane::SampleBuffer& out, std::int32_t azimuthDegrees, std::int32_t elevationDegrees,
-                     bool /*simple*/) const noexcept override {
+    std::uint64_t getResponse(orvane::SampleBuffer& out, std::int32_t azimuthDegrees,
+                              std::int32_t elevationDegrees, bool /*simple*/) const noexcept override {
         for (std::uint64_t channel = 0; channel < 2; ++channel) {
             float* const target = out.channelPointers[channel];
             std::fill_n(target, std::min(samples, out.numSamples), 0.0f);
@@ -48,6 +45,7 @@ public:
             if (at.delay < out.numSamples)
                 target[at.delay] = at.gain;
         }
+        return generation();
     }
 
 private:

@@ -4,6 +4,7 @@
 #include "binaural/BinauralComponentFactory.h"
 #include "binaural/BinauralProcessor.h"
 #include "binaural/ConvolutionFactory.h"
+#include "binaural/ReverbConvolutionFactory.h"
 #include "binaural/SpeakerBinauralProcessorBuilder.h"
 #include "engine/BassReductionProcessor.h"
 #include "engine/EngineManager.h"
@@ -126,9 +127,10 @@ ComponentFactory::createBinauralProcessor(double sampleRate, std::uint64_t block
                                           std::unique_ptr<IReloadParameterSet> reloadSet) const {
     const bool hardSwitch = reloadSet->watchSource();
     const BinauralProcessorBuilder builder(static_cast<float>(sampleRate), blockSize, view,
-                                           std::move(reloadSet), std::make_unique<BinauralComponentFactory>(),
-                                           std::make_unique<ConvolutionFactory>(), hrir, this);
-    return std::make_unique<BinauralProcessor>(blockSize, hardSwitch, view, builder);
+                                           std::move(reloadSet),
+                                           std::make_unique<BinauralComponentFactory>(options),
+                                           std::make_unique<ConvolutionFactory>(options), hrir, this);
+    return std::make_unique<BinauralProcessor>(blockSize, hardSwitch, view, builder, options.path);
 }
 
 std::unique_ptr<ISpatialProcessor>
@@ -136,7 +138,7 @@ ComponentFactory::createBinauralReverb(std::uint64_t blockSize, double sampleRat
                                        std::unique_ptr<IReverbFilter> reverbFilter) const {
     const BinauralReverbBuilder builder(sampleRate, blockSize, reverbFilter->partitionCount(),
                                         reverbFilter->bandLimitFactor(), view, this,
-                                        std::make_unique<ConvolutionFactory>());
+                                        std::make_unique<ReverbConvolutionFactory>(options));
     return std::make_unique<BinauralReverb>(blockSize, view, std::move(reverbFilter), builder,
                                             reverbDistanceLaw);
 }

@@ -2,12 +2,15 @@
 #pragma once
 
 #include "base/IComponentFactory.h"
+#include "binaural/RenderOptions.h"
 
 namespace orvane::kestrum::core {
 
 /// The one place where the product's concrete classes meet.
 class ComponentFactory final : public IComponentFactory {
 public:
+    explicit ComponentFactory(const RenderOptions& options = {}) noexcept : options(options) {}
+
     std::unique_ptr<IParameterSet>
     createParameterSet(ISliderValue* headRotationValue,
                        std::unique_ptr<OrvaneIPC::IOrvaneParameterClient> parameterClient) const override;
@@ -66,6 +69,9 @@ public:
     std::unique_ptr<ISelectorFallback>
     createSpeakerSetupFallback(ISupportedLayouts* supportedLayouts) const override;
     std::unique_ptr<ISelectorFallback> createSceneFallback() const override;
+
+private:
+    RenderOptions options;
 };
 
 } // namespace orvane::kestrum::core

@@ -1,0 +1,45 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "base/Realtime.h"
+#include "binaural/InstructionSet.h"
+#include "binaural/fft/Complex.h"
+
+#include <cstdint>
+
+namespace orvane {
+
+/// One term of a convolution's sum: an input spectrum and the partition of either ear's response that it meets.
+///
+/// Shape   each [bins], 64-byte aligned.
+struct SpectrumTerm {
+    const fft::Complex* input;
+    const fft::Complex* left;
+    const fft::Complex* right;
+};
+
+/// As a term, for the sums of two successive blocks: the response is read once for both.
+struct TwoBlockTerm {
+    const fft::Complex* firstInput;
+    const fft::Complex* secondInput;
+    const fft::Complex* left;
+    const fft::Complex* right;
+};
+
+/// The inner loops of convolution for one instruction set. Per bin they add the terms in their order, each
+/// product and sum rounded as complexMultiplyAdd() does: all sets give the same bits.
+///
+/// Shape   left, right and their like [binCount], 64-byte aligned, added to; terms [termCount]. Sums overlap
+///         nothing that is read.
+struct MultiplyAddKernel {
+    void (*addTerms)(fft::Complex* left, fft::Complex* right, const SpectrumTerm* terms,
+                     std::uint64_t termCount, std::uint64_t binCount) noexcept;
+    void (*addTermsOfTwoBlocks)(fft::Complex* firstLeft, fft::Complex* firstRight, fft::Complex* secondLeft,
+                                fft::Complex* secondRight, const TwoBlockTerm* terms, std::uint64_t termCount,
+                                std::uint64_t binCount) noexcept;
+};
+
+/// @param set one of supportedInstructionSets().
+const MultiplyAddKernel& multiplyAddKernel(InstructionSet set) noexcept;
+
+} // namespace orvane

@@ -1,0 +1,11 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "binaural/MultiplyAdd.h"
+
+namespace orvane {
+
+// One per instruction set, each in a file that alone is compiled for it.
+extern const MultiplyAddKernel scalarMultiplyAdd;
+
+} // namespace orvane
