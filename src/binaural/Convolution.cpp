@@ -2,19 +2,11 @@
 #include "binaural/Convolution.h"
 
 #include "binaural/ComplexMultiplyAdd.h"
+#include "binaural/ConvolutionGain.h"
 
 #include <algorithm>
 
 namespace orvane {
-
-namespace {
-
-float gainForRate(double sampleRate) noexcept {
-    constexpr std::int32_t base = 48000;
-    return static_cast<std::int32_t>(sampleRate) % base == 0 ? 0.91875f : 1.0f;
-}
-
-} // namespace
 
 Convolution::Convolution(double sampleRate, std::uint64_t blockSize, std::uint64_t partitionCount,
                          std::int32_t bandLimitFactor)
@@ -22,7 +14,7 @@ Convolution::Convolution(double sampleRate, std::uint64_t blockSize, std::uint64
       partitionCount(partitionCount),
       keptBins(blockSize / static_cast<std::uint64_t>(bandLimitFactor)),
       inverseScale(1.0f / static_cast<float>(2 * blockSize)),
-      gain(gainForRate(sampleRate)),
+      gain(convolutionGain(sampleRate)),
       inputSpectra(partitionCount, blockSize),
       leftSpectra(partitionCount, blockSize),
       rightSpectra(partitionCount, blockSize),
@@ -48,12 +40,16 @@ void Convolution::process(SampleSpan input, SampleBuffer& output, const SampleBu
 void Convolution::processCrossfaded(SampleSpan input, SampleBuffer& oldOutput, SampleBuffer& newOutput,
                                     const SampleBuffer& impulseResponse, bool updateResponse) {
     pushInput(input);
-    oldOutput.writeChannelScaled(0, convolve(leftSpectra), inverseScale);
-    oldOutput.writeChannelScaled(1, convolve(rightSpectra), inverseScale);
     if (!updateResponse) {
-        newOutput.copyFrom(oldOutput);
+        for (std::uint64_t ear = 0; ear < 2; ++ear) {
+            const SampleSpan block = convolve(ear == 0 ? leftSpectra : rightSpectra);
+            oldOutput.writeChannelScaled(ear, block, inverseScale);
+            newOutput.writeChannelScaled(ear, block, inverseScale);
+        }
         return;
     }
+    oldOutput.writeChannelScaled(0, convolve(leftSpectra), inverseScale);
+    oldOutput.writeChannelScaled(1, convolve(rightSpectra), inverseScale);
     prepareSpectra(leftSpectra, impulseResponse.channelPointers[0]);
     newOutput.writeChannelScaled(0, convolve(leftSpectra), inverseScale);
     prepareSpectra(rightSpectra, impulseResponse.channelPointers[1]);

@@ -37,7 +37,6 @@ public:
     void prepare(const SampleBuffer& impulseResponse) override;
     void workAhead(std::uint64_t /*pendingSamples*/) ORVANE_REALTIME override {}
 
-    /// Deliberate: 44100 / 48000 at 48, 96 and 192 kHz, 1 at every other rate.
     float outputGain() const noexcept ORVANE_REALTIME override { return gain; }
 
 private:
@@ -49,7 +48,7 @@ private:
     std::uint64_t partitionCount;
     std::uint64_t keptBins;       ///< Low bins of a partition that the band limit leaves.
     float inverseScale;           ///< Undoes the transforms' common factor of 2 * blockSize.
-    float gain;                   ///< See outputGain().
+    float gain;                   ///< See convolutionGain().
     std::uint64_t writeIndex = 0; ///< Slot of the next input spectrum; afterwards that of the oldest.
     PartitionedSpectrum inputSpectra;
     PartitionedSpectrum leftSpectra;  ///< Partition j of the response lies in slot partitionCount - 1 - j.

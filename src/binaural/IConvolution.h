@@ -25,7 +25,7 @@ public:
                          bool updateResponse) ORVANE_REALTIME = 0;
 
     /// The same as running two convolvers over one history: the present response into `oldOutput`, then, if
-    /// `updateResponse`, `impulseResponse` into `newOutput`; otherwise `newOutput` is a copy.
+    /// `updateResponse`, `impulseResponse` into `newOutput`; otherwise both get the present block.
     virtual void processCrossfaded(SampleSpan input, SampleBuffer& oldOutput, SampleBuffer& newOutput,
                                    const SampleBuffer& impulseResponse,
                                    bool updateResponse) ORVANE_REALTIME = 0;

@@ -2,10 +2,12 @@
 #pragma once
 
 #include "base/SampleBuffer.h"
-#include "binaural/Convolution.h"
+#include "binaural/ConvolutionFactory.h"
+#include "binaural/IConvolution.h"
 #include "support/Signals.h"
 
 #include <cstdint>
+#include <memory>
 
 namespace test {
 
@@ -37,14 +39,24 @@ inline orvane::SampleSpan blockOf(Signal& input, std::uint64_t frame, std::uint6
     return {input.data() + frame, blockSize};
 }
 
+/// The loudspeakers' convolver of one path.
+inline std::unique_ptr<orvane::IConvolution> makeConvolver(orvane::RenderPath path, double sampleRate,
+                                                           std::uint64_t blockSize,
+                                                           std::uint64_t partitionCount,
+                                                           std::int32_t bandLimitFactor) {
+    orvane::ConvolutionFactory factory({.path = path});
+    return factory.create(sampleRate, blockSize, partitionCount, bandLimitFactor);
+}
+
 /// Sets the response in the first block and runs all whole blocks of the input.
-inline Stereo runConvolver(Signal input, const orvane::SampleBuffer& response, std::uint64_t blockSize,
-                           std::int32_t bandLimitFactor = 1) {
-    orvane::Convolution convolver(44100.0, blockSize, response.numSamples / blockSize, bandLimitFactor);
+inline Stereo runConvolver(orvane::RenderPath path, Signal input, const orvane::SampleBuffer& response,
+                           std::uint64_t blockSize, std::int32_t bandLimitFactor = 1) {
+    const auto convolver =
+        makeConvolver(path, 44100.0, blockSize, response.numSamples / blockSize, bandLimitFactor);
     orvane::SampleBuffer block(2, blockSize);
     Stereo output;
     for (std::uint64_t frame = 0; frame + blockSize <= input.size(); frame += blockSize) {
-        convolver.process(blockOf(input, frame, blockSize), block, response, frame == 0);
+        convolver->process(blockOf(input, frame, blockSize), block, response, frame == 0);
         output.append(block);
     }
     return output;
