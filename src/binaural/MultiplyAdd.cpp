@@ -5,6 +5,18 @@
 
 namespace orvane {
 
-const MultiplyAddKernel& multiplyAddKernel(InstructionSet /*set*/) noexcept { return scalarMultiplyAdd; }
+const MultiplyAddKernel& multiplyAddKernel(InstructionSet set) noexcept {
+    switch (set) {
+    case InstructionSet::sse2:
+        return sse2MultiplyAdd;
+    case InstructionSet::avx:
+        return avxMultiplyAdd;
+    case InstructionSet::avx512:
+        return avx512MultiplyAdd;
+    case InstructionSet::scalar:
+        break;
+    }
+    return scalarMultiplyAdd;
+}
 
 } // namespace orvane

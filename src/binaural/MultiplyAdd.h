@@ -11,7 +11,7 @@ namespace orvane {
 
 /// One term of a convolution's sum: an input spectrum and the partition of either ear's response that it meets.
 ///
-/// Shape   each [bins], 64-byte aligned.
+/// Shape   each [bins], 64-byte aligned, as far as the end of the last cache line (see MultiplyAddKernel).
 struct SpectrumTerm {
     const fft::Complex* input;
     const fft::Complex* left;
@@ -30,7 +30,9 @@ struct TwoBlockTerm {
 /// product and sum rounded as complexMultiplyAdd() does: all sets give the same bits.
 ///
 /// Shape   left, right and their like [binCount], 64-byte aligned, added to; terms [termCount]. Sums overlap
-///         nothing that is read.
+///         nothing that is read. All memory reaches to the end of the cache line that holds the last bin, as
+///         blocks and slots do: what lies behind the bins may be read, and in the sums be added to. Zeros, as
+///         made, stay zeros there.
 struct MultiplyAddKernel {
     void (*addTerms)(fft::Complex* left, fft::Complex* right, const SpectrumTerm* terms,
                      std::uint64_t termCount, std::uint64_t binCount) noexcept;
