@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -85,9 +86,11 @@ public:
                             ISpeakerParameterSetView* view,
                             std::unique_ptr<IReloadParameterSet> reloadSet) const = 0;
 
+    /// @param expectedDecay percent that the first block is likely to find, if any; may be wrong.
     virtual std::unique_ptr<ISpatialProcessor>
     createBinauralReverb(std::uint64_t blockSize, double sampleRate, IReverbParameterView* view,
-                         std::unique_ptr<IReverbFilter> reverbFilter) const = 0;
+                         std::unique_ptr<IReverbFilter> reverbFilter,
+                         std::optional<float> expectedDecay) const = 0;
 
     virtual std::unique_ptr<IGenericBiquadFilter> createLowpassFilter(double sampleRate) const = 0;
     virtual std::unique_ptr<IGenericBiquadFilter> createRumbleFilter(double sampleRate) const = 0;

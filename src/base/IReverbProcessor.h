@@ -3,6 +3,8 @@
 
 #include "base/Realtime.h"
 
+#include <cstdint>
+
 namespace orvane {
 class SampleBuffer;
 }
@@ -17,6 +19,12 @@ public:
     /// Shape   input [any channels][blockSize]; output [2][blockSize], overwritten.
     /// Thread  audio thread only.
     virtual void process(const SampleBuffer& input, SampleBuffer& output) ORVANE_REALTIME = 0;
+
+    /// Does work that the next block would otherwise have to do; changes no output.
+    ///
+    /// @param pendingSamples how many of the next block's samples have come in, below blockSize.
+    /// Thread  audio thread only.
+    virtual void workAhead(std::uint64_t pendingSamples) ORVANE_REALTIME = 0;
 };
 
 } // namespace orvane::kestrum::core

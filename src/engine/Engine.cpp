@@ -74,6 +74,8 @@ void Engine::process(const SampleBuffer& input, SampleBuffer& output) {
     }
     if (inputFifo.front().size() >= blockSize)
         renderBlock();
+    else if (reloadParameters->hasReverb())
+        reverbProcessor->workAhead(inputFifo.front().size());
 
     const std::uint64_t frames = std::min<std::uint64_t>(output.numSamples, outputFifo.front().size());
     for (std::size_t channel = 0; channel < outputFifo.size() && channel < output.numChannels; ++channel)

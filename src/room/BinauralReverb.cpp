@@ -22,14 +22,19 @@ constexpr float silentFrom = 40.0f;
 
 BinauralReverb::BinauralReverb(std::uint64_t blockSize, IReverbParameterView* view,
                                std::unique_ptr<IReverbFilter> filter, const IBinauralReverbBuilder& builder,
-                               DistanceLaw distanceLaw)
+                               DistanceLaw distanceLaw, std::optional<float> expectedDecay)
     : blockSize(blockSize),
       view(view),
       inputFilters(builder.createInputFilters()),
       convolution(builder.createConvolution()),
       reverbFilter(std::move(filter)),
       distanceLaw(std::move(distanceLaw)),
-      impulseResponse(2, (reverbFilter->partitionCount() + 1) * blockSize) {}
+      impulseResponse(2, (reverbFilter->partitionCount() + 1) * blockSize) {
+    if (expectedDecay) {
+        reverbFilter->update(impulseResponse, *expectedDecay);
+        convolution->prepare(impulseResponse);
+    }
+}
 
 void BinauralReverb::process(const SampleBuffer& input, SampleBuffer& output) {
     if (input.numChannels == 0 || input.numSamples < blockSize) {
@@ -43,6 +48,8 @@ void BinauralReverb::process(const SampleBuffer& input, SampleBuffer& output) {
     output.multiplyBy(convolution->outputGain() * std::pow(10.0f, -view->getAttenuationDb() / 20.0f));
     applyGain(output);
 }
+
+void BinauralReverb::workAhead(std::uint64_t pendingSamples) { convolution->workAhead(pendingSamples); }
 
 void BinauralReverb::applyGain(SampleBuffer& output) {
     const float target = std::pow(10.0f, view->getReverbGainDb() / 20.0f) *

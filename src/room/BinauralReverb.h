@@ -12,6 +12,7 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <optional>
 
 namespace orvane {
 
@@ -25,13 +26,16 @@ public:
 
     /// Units   blockSize in samples.
     /// @param view borrowed.
+    /// @param expectedDecay percent; the response for it is drawn now, so that a first block which finds it need
+    ///        not. Without it nothing is drawn.
     BinauralReverb(std::uint64_t blockSize, IReverbParameterView* view,
                    std::unique_ptr<IReverbFilter> reverbFilter, const IBinauralReverbBuilder& builder,
-                   DistanceLaw distanceLaw);
+                   DistanceLaw distanceLaw, std::optional<float> expectedDecay = std::nullopt);
 
     /// Channel 0 of `input`, at least a block of it, is filtered where it lies. An input without channels or
     /// samples gives silence.
     void process(const SampleBuffer& input, SampleBuffer& output) ORVANE_REALTIME override;
+    void workAhead(std::uint64_t pendingSamples) ORVANE_REALTIME override;
 
 private:
     void applyGain(SampleBuffer& output) ORVANE_REALTIME;

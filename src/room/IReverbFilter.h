@@ -10,7 +10,7 @@ namespace orvane {
 
 /// The response of a room's late reverb as the convolver takes it, with a decay that can be shortened.
 ///
-/// Thread  update() and changed() on the audio thread; the rest on any.
+/// Thread  update() and changed() on the building thread, then on the audio thread; the rest on any.
 class IReverbFilter {
 public:
     virtual ~IReverbFilter() = default;

@@ -3,11 +3,13 @@
 
 #include "data/IFileReader.h"
 #include "room/IReverbImpulseResponse.h"
+#include "room/SharedSamples.h"
 
-#include <vector>
+#include <cstdint>
 
 namespace orvane {
 
+/// Reads its file anew at every load(), since the folder may have changed, but holds what others hold already.
 class ReverbImpulseResponse final : public IReverbImpulseResponse {
 public:
     /// @param reader borrowed for the length of load().
@@ -20,7 +22,8 @@ public:
 
 private:
     const IFileReader* reader;
-    std::vector<float> samples; ///< Interleaved, left and right.
+    SharedSamples samples;        ///< Interleaved, left and right, at the file's rate.
+    std::uint64_t upsampling = 1; ///< From a stored frame to the next, in running ones; zeros stand between.
     float gain = 0;
 };
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "room/ReverbProcessor.h"
 
+#include "room/ExpectedDecay.h"
 #include "room/ReverbImpulseResponse.h"
 
 #include <utility>
@@ -15,8 +16,8 @@ ReverbProcessor::ReverbProcessor(double sampleRate, std::uint64_t blockSize,
     auto filter = reverbFilterFactory.create(static_cast<std::int32_t>(sampleRate), blockSize,
                                              std::make_unique<ReverbImpulseResponse>(&fileReader),
                                              dataDirectory, reloadSet->roomId());
-    binauralReverb =
-        componentFactory.createBinauralReverb(blockSize, sampleRate, parameterSet, std::move(filter));
+    binauralReverb = componentFactory.createBinauralReverb(
+        blockSize, sampleRate, parameterSet, std::move(filter), expectedDecay(*reloadSet, *parameterSet));
 }
 
 void ReverbProcessor::process(const SampleBuffer& input, SampleBuffer& output) {
@@ -27,5 +28,7 @@ void ReverbProcessor::process(const SampleBuffer& input, SampleBuffer& output) {
     }
     binauralReverb->process(monoSum, output);
 }
+
+void ReverbProcessor::workAhead(std::uint64_t pendingSamples) { binauralReverb->workAhead(pendingSamples); }
 
 } // namespace orvane::kestrum::core

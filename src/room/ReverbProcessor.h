@@ -32,6 +32,7 @@ public:
                     const std::string& dataDirectory);
 
     void process(const SampleBuffer& input, SampleBuffer& output) ORVANE_REALTIME override;
+    void workAhead(std::uint64_t pendingSamples) ORVANE_REALTIME override;
 
 private:
     FileReader fileReader;

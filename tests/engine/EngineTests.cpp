@@ -41,6 +41,7 @@ struct Seen {
     std::vector<std::string> calls;
     std::vector<float> reverbInput; ///< First sample of each channel.
     std::vector<orvane::SpatialPosition> places;
+    std::vector<std::uint64_t> workedAhead; ///< Samples pending at each call.
     float filterFrequency = 0;
     float filterQuality = 0;
     float filterInputGain = 0;
@@ -103,6 +104,7 @@ public:
         for (std::uint64_t ear = 0; ear < 2; ++ear)
             std::fill_n(output.channelPointers[ear], output.numSamples, 100.0f);
     }
+    void workAhead(std::uint64_t pendingSamples) override { seen.workedAhead.push_back(pendingSamples); }
 
 private:
     Seen& seen;
@@ -237,6 +239,21 @@ TEST_F(EngineTest, OfEightHostBlocksOfAnEighthOnlyTheLastRunsTheGraphAndTheOutpu
     std::vector<float> expected(24 * 64, 0.0f);
     std::iota(expected.begin() + 512, expected.end(), 1.0f);
     EXPECT_EQ(heard, expected);
+}
+
+TEST_F(EngineTest, HostCallsThatRenderNothingLetTheReverbWorkAheadAndTellHowMuchOfTheBlockIsThere) {
+    const auto engine = makeEngine(64, 1);
+    for (const std::uint64_t frames : {16u, 16u, 31u, 32u, 40u})
+        feed(*engine, 1, frames, 1.0f);
+    EXPECT_EQ(runs(), 2);
+    EXPECT_THAT(seen.workedAhead, ElementsAre(16u, 32u, 63u)); // the fourth call and the fifth render
+}
+
+TEST_F(EngineTest, WithoutReverbThereIsNoWorkAhead) {
+    parameterSet.setReverbOn(false, false);
+    const auto engine = makeEngine(64, 1);
+    feed(*engine, 1, 16, 1.0f);
+    EXPECT_THAT(seen.workedAhead, IsEmpty());
 }
 
 TEST_F(EngineTest, AnOversizedHostBlockRunsTheGraphOnceAndKeepsTheTailThatTheFifoCannotFill) {

@@ -5,6 +5,7 @@
 #include "parameters/core/SpeakerPropertiesConverter.h"
 #include "room/IReverbFilter.h"
 
+#include <optional>
 #include <stdexcept>
 
 namespace test {
@@ -81,7 +82,8 @@ public:
     Owned<orvane::ISpatialProcessor>
     createBinauralReverb(std::uint64_t /*blockSize*/, double /*sampleRate*/,
                          orvane::kestrum::core::IReverbParameterView* /*view*/,
-                         Owned<orvane::IReverbFilter> /*reverbFilter*/) const override {
+                         Owned<orvane::IReverbFilter> /*reverbFilter*/,
+                         std::optional<float> /*expectedDecay*/) const override {
         refuse();
     }
     Owned<orvane::IGenericBiquadFilter> createLowpassFilter(double /*sampleRate*/) const override {

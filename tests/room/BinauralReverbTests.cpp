@@ -22,6 +22,7 @@
 #include <cstdint>
 #include <limits>
 #include <memory>
+#include <optional>
 #include <utility>
 #include <vector>
 
@@ -103,9 +104,12 @@ struct Reverb : ::testing::Test {
 
     /// The product's own, with `partitions` blocks of noise for a response.
     std::unique_ptr<ISpatialProcessor> whole(std::uint64_t partitions, double sampleRate,
-                                             int* timesDrawn = nullptr) {
-        return kestrum::core::ComponentFactory().createBinauralReverb(
-            blockSize, sampleRate, &parameters, std::make_unique<NoiseFilter>(partitions, timesDrawn));
+                                             int* timesDrawn = nullptr,
+                                             std::optional<float> expectedDecay = std::nullopt,
+                                             const RenderOptions& options = {}) {
+        return kestrum::core::ComponentFactory(options).createBinauralReverb(
+            blockSize, sampleRate, &parameters, std::make_unique<NoiseFilter>(partitions, timesDrawn),
+            expectedDecay);
     }
 
     /// Whole blocks of `signal` through a reverb.
@@ -288,6 +292,50 @@ TEST_F(Reverb, AMovedDecayRedrawsTheResponseOnceAndIsHeardInTheSameBlock) {
         ASSERT_NEAR(halved[i], 0.5f * full[i], 1e-5f) << i; // transforms' rounding
 }
 
+struct DecayCase {
+    const char* name;
+    std::optional<float> expected;
+    int drawnAtBuilding;
+    int drawnInAll;
+};
+
+class ExpectedDecays : public Reverb, public ::testing::WithParamInterface<DecayCase> {};
+
+/// Null test against the plain path, which draws in the first block: the same bits, also beyond a later change.
+TEST_P(ExpectedDecays, ChangeTheTimeOfDrawingAndNoBit) {
+    const DecayCase& given = GetParam();
+    for (const std::uint64_t partitions : {1u, 2u, 5u, 40u}) {
+        parameters.setReverbDecayPercent(70.0f, false);
+        int timesDrawn = 0;
+        const auto fast = whole(partitions, 48000, &timesDrawn, given.expected);
+        const auto plain = whole(partitions, 48000, nullptr, given.expected, {.path = RenderPath::plain});
+        EXPECT_EQ(timesDrawn, given.drawnAtBuilding);
+        const Signal input = test::noise(9 * blockSize, test::Seed{7});
+        EXPECT_EQ(rendered(*fast, input), rendered(*plain, input)) << partitions;
+        EXPECT_EQ(timesDrawn, given.drawnInAll);
+        parameters.setReverbDecayPercent(90.0f, false);
+        EXPECT_EQ(rendered(*fast, input), rendered(*plain, input)) << partitions;
+        EXPECT_EQ(timesDrawn, given.drawnInAll + 1);
+    }
+}
+INSTANTIATE_TEST_SUITE_P(RightWrongAndNone, ExpectedDecays,
+                         ::testing::Values(DecayCase{"Right", 70.0f, 1, 1}, DecayCase{"Wrong", 55.0f, 1, 2},
+                                           DecayCase{"None", std::nullopt, 0, 1}),
+                         [](const auto& given) { return given.param.name; });
+
+TEST_F(Reverb, WorkAheadChangesNoBit) {
+    const auto ahead = whole(9, 48000, nullptr, 70.0f);
+    const auto plain = whole(9, 48000, nullptr, std::nullopt, {.path = RenderPath::plain});
+    const Signal input = test::noise(30 * blockSize, test::Seed{8});
+    for (std::size_t start = 0; start < input.size(); start += blockSize) {
+        for (std::uint64_t pending = start / blockSize % 7; pending < blockSize; pending += 13)
+            ahead->workAhead(pending);
+        const Signal block(input.begin() + static_cast<std::ptrdiff_t>(start),
+                           input.begin() + static_cast<std::ptrdiff_t>(start + blockSize));
+        ASSERT_EQ(rendered(*ahead, block), rendered(*plain, block)) << start;
+    }
+}
+
 TEST_F(Reverb, NeitherAllocatesNorLocks) {
     const auto reverb = whole(6, 48000);
     SampleBuffer input(1, blockSize);
@@ -298,6 +346,7 @@ TEST_F(Reverb, NeitherAllocatesNorLocks) {
         parameters.setReverbLowPassFrequency(6000.0f + 100.0f * static_cast<float>(block), false);
         parameters.setReverbHighPassFrequency(20.0f * static_cast<float>(block), false);
         parameters.setReverbGainDb(static_cast<float>(-block), false);
+        reverb->workAhead(blockSize / 2);
         reverb->process(input, output);
     }
     EXPECT_EQ(scope.violations(), test::RealtimeViolations{});

@@ -17,6 +17,7 @@
 #include <algorithm>
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 
 namespace {
@@ -35,13 +36,16 @@ struct Listener final : ISpatialProcessor {
         heard.assign(input.channel(0).begin(), input.channel(0).end());
         output.clear();
     }
+    void workAhead(std::uint64_t pendingSamples) override { heard = {static_cast<float>(pendingSamples)}; }
     Signal& heard;
 };
 
 struct ListeningFactory final : test::StubComponentFactory {
     std::unique_ptr<ISpatialProcessor>
     createBinauralReverb(std::uint64_t block, double rate, kestrum::core::IReverbParameterView* /*view*/,
-                         std::unique_ptr<IReverbFilter> /*filter*/) const override {
+                         std::unique_ptr<IReverbFilter> /*filter*/,
+                         std::optional<float> expectedDecay) const override {
+        askedDecay = expectedDecay;
         askedBlock = block;
         askedRate = rate;
         return std::make_unique<Listener>(heard);
@@ -49,6 +53,7 @@ struct ListeningFactory final : test::StubComponentFactory {
     mutable Signal heard;
     mutable std::uint64_t askedBlock = 0;
     mutable double askedRate = 0;
+    mutable std::optional<float> askedDecay;
 };
 
 struct RecordingFilters final : IReverbFilterFactory {
@@ -84,6 +89,22 @@ TEST_F(ReverbSum, ReadsTheResponseOfTheSelectedRoom) {
     EXPECT_EQ(filters.askedRoom, 36u);
     EXPECT_EQ(factory.askedBlock, blockSize);
     EXPECT_EQ(factory.askedRate, 44100.9);
+}
+
+TEST_F(ReverbSum, AsksForTheDecayThatTheRoomsSceneWillBring) {
+    parameters.setReverbOn(true, false);
+    parameters.setRoomType(static_cast<VirtualAcoustics::Type>(36), false);
+    parameters.setReverbDecayPercent(77.0f, false);
+    const RecordingFilters filters;
+    const ReverbProcessor reverb(44100.9, blockSize, filters, factory, &parameters, "folder");
+    EXPECT_EQ(factory.askedDecay, 58.0f); // "Mix Room Small"
+}
+
+TEST_F(ReverbSum, HandsWorkAheadOn) {
+    const RecordingFilters filters;
+    ReverbProcessor reverb(44100.9, blockSize, filters, factory, &parameters, "folder");
+    reverb.workAhead(17);
+    EXPECT_THAT(factory.heard, ::testing::ElementsAre(17.0f));
 }
 
 /// Analytic: powers of two in every channel, so that the sum tells each of them, unscaled.

@@ -19,6 +19,7 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <utility>
 
@@ -103,8 +104,10 @@ public:
     }
     std::unique_ptr<orvane::ISpatialProcessor>
     createBinauralReverb(std::uint64_t blockSize, double sampleRate, core::IReverbParameterView* view,
-                         std::unique_ptr<orvane::IReverbFilter> reverbFilter) const override {
-        return product.createBinauralReverb(blockSize, sampleRate, view, std::move(reverbFilter));
+                         std::unique_ptr<orvane::IReverbFilter> reverbFilter,
+                         std::optional<float> expectedDecay) const override {
+        return product.createBinauralReverb(blockSize, sampleRate, view, std::move(reverbFilter),
+                                            expectedDecay);
     }
     std::unique_ptr<orvane::IGenericBiquadFilter> createLowpassFilter(double sampleRate) const override {
         return product.createLowpassFilter(sampleRate);

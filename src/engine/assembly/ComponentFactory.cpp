@@ -135,12 +135,14 @@ ComponentFactory::createBinauralProcessor(double sampleRate, std::uint64_t block
 
 std::unique_ptr<ISpatialProcessor>
 ComponentFactory::createBinauralReverb(std::uint64_t blockSize, double sampleRate, IReverbParameterView* view,
-                                       std::unique_ptr<IReverbFilter> reverbFilter) const {
+                                       std::unique_ptr<IReverbFilter> reverbFilter,
+                                       std::optional<float> expectedDecay) const {
     const BinauralReverbBuilder builder(sampleRate, blockSize, reverbFilter->partitionCount(),
                                         reverbFilter->bandLimitFactor(), view, this,
                                         std::make_unique<ReverbConvolutionFactory>(options));
     return std::make_unique<BinauralReverb>(blockSize, view, std::move(reverbFilter), builder,
-                                            reverbDistanceLaw);
+                                            reverbDistanceLaw,
+                                            options.path == RenderPath::fast ? expectedDecay : std::nullopt);
 }
 
 std::unique_ptr<IGenericBiquadFilter> ComponentFactory::createLowpassFilter(double sampleRate) const {

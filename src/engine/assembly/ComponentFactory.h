@@ -4,6 +4,8 @@
 #include "base/IComponentFactory.h"
 #include "binaural/RenderOptions.h"
 
+#include <optional>
+
 namespace orvane::kestrum::core {
 
 /// The one place where the product's concrete classes meet.
@@ -51,7 +53,8 @@ public:
 
     std::unique_ptr<ISpatialProcessor>
     createBinauralReverb(std::uint64_t blockSize, double sampleRate, IReverbParameterView* view,
-                         std::unique_ptr<IReverbFilter> reverbFilter) const override;
+                         std::unique_ptr<IReverbFilter> reverbFilter,
+                         std::optional<float> expectedDecay) const override;
 
     std::unique_ptr<IGenericBiquadFilter> createLowpassFilter(double sampleRate) const override;
     std::unique_ptr<IGenericBiquadFilter> createRumbleFilter(double sampleRate) const override;
