@@ -11,7 +11,6 @@
 #include "engine/assembly/EngineFactory.h"
 #include "parameters/core/Scene.h"
 #include "room/ReverbFilterFactory.h"
-#include "room/ReverbProcessor.h"
 #include "room/SpeakerDirectFilterRenderer.h"
 #include "support/SphericalHead.h"
 
@@ -94,26 +93,6 @@ const bool registered = [] {
         }
     return true;
 }();
-
-/// The longest response there is: 220245 frames, 4.6 s.
-void longestReverb(benchmark::State& state) {
-    const auto blockSize = static_cast<std::uint64_t>(state.range(0));
-    test::SphericalHead head(139);
-    test::Product product(&head);
-    product.parameterSet->setRoomType(orvane::VirtualAcoustics::Type{28}, false);
-    orvane::kestrum::core::ReverbProcessor reverb(sampleRate, blockSize, orvane::ReverbFilterFactory(),
-                                                  product.factory, product.parameterSet.get(),
-                                                  test::reverbFolder());
-    orvane::SampleBuffer input(2, blockSize);
-    for (std::uint64_t channel = 0; channel < input.numChannels; ++channel)
-        std::fill_n(input.channelPointers[channel], blockSize, 0.1f);
-    orvane::SampleBuffer output(2, blockSize);
-    reverb.process(input, output); // draws the response
-    const bench::ShareOfRealTime share(state, state.range(0), sampleRate);
-    for (auto _ : state)
-        reverb.process(input, output);
-}
-BENCHMARK(longestReverb)->Arg(64)->Arg(128)->Arg(512)->Arg(2048);
 
 void oneLoudspeaker(benchmark::State& state) {
     const auto blockSize = static_cast<std::uint64_t>(state.range(0));

@@ -1,0 +1,132 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// The longest late reverb that there is: room 28, 220245 frames, 4.6 s, on the plain path and on the fast one.
+#include "ShareOfRealTime.h"
+#include "assembly/Product.h"
+#include "room/ReverbFilterFactory.h"
+#include "room/ReverbProcessor.h"
+#include "support/ReverbFiles.h"
+#include "support/Signals.h"
+
+#include <benchmark/benchmark.h>
+
+#include <algorithm>
+#include <chrono>
+#include <cmath>
+#include <cstdint>
+#include <memory>
+#include <vector>
+
+namespace {
+
+using orvane::RenderPath;
+using orvane::SampleBuffer;
+
+constexpr double sampleRate = 48000.0;
+constexpr std::uint64_t responseFrames = test::longestReverbFrames;
+constexpr float residueLimit = 1e-6f; // -120 dB of the peak
+
+/// One engine's reverb, fed with noise block by block.
+class LongestReverb {
+public:
+    LongestReverb(RenderPath path, std::uint64_t blockSize)
+        : product(nullptr, test::fullReverbFolder(), {.path = path}),
+          input(2, blockSize),
+          output(2, blockSize) {
+        product.parameterSet->setReverbOn(true, false);
+        product.parameterSet->setRoomType(orvane::VirtualAcoustics::Type{28}, false);
+        product.parameterSet->setReverbDecayPercent(100.0f, false);
+        reverb = std::make_unique<orvane::kestrum::core::ReverbProcessor>(
+            sampleRate, blockSize, orvane::ReverbFilterFactory(), product.factory, product.parameterSet.get(),
+            test::fullReverbFolder());
+        noise = test::noise(1 << 16, test::Seed{2});
+    }
+
+    void feed() {
+        for (std::uint64_t i = 0; i < input.numSamples; ++i, ++position) {
+            input.channelPointers[0][i] = noise[position % noise.size()];
+            input.channelPointers[1][i] = 0.0f;
+        }
+    }
+    void render() { reverb->process(input, output); }
+
+    test::Product product;
+    std::unique_ptr<orvane::kestrum::core::ReverbProcessor> reverb;
+    test::Signal noise;
+    std::uint64_t position = 0;
+    SampleBuffer input;
+    SampleBuffer output;
+};
+
+/// The largest difference between both paths relative to the plain one's peak, over the response's length.
+float residue(std::uint64_t blockSize) {
+    LongestReverb plain(RenderPath::plain, blockSize);
+    LongestReverb fast(RenderPath::fast, blockSize);
+    float peak = 0;
+    float difference = 0;
+    while (plain.position < 5 * blockSize + responseFrames) {
+        for (LongestReverb* reverb : {&plain, &fast}) {
+            reverb->feed();
+            reverb->render();
+        }
+        for (std::uint64_t ear = 0; ear < 2; ++ear)
+            for (std::uint64_t i = 0; i < blockSize; ++i) {
+                const float expected = plain.output.channelPointers[ear][i];
+                const float off = std::abs(fast.output.channelPointers[ear][i] - expected);
+                peak = std::max(peak, std::abs(expected));
+                difference = off <= difference ? difference : off;
+            }
+    }
+    return difference / peak;
+}
+
+/// "p50", "p99" and "worst": microseconds of a block, warmed up by a whole response; "residueDb": of the fast
+/// path against the plain one.
+void longestReverb(benchmark::State& state, RenderPath path) {
+    const auto blockSize = static_cast<std::uint64_t>(state.range(0));
+    if (path == RenderPath::fast) {
+        const float left = residue(blockSize);
+        if (!(left < residueLimit))
+            state.SkipWithError("the fast path sounds different");
+        state.counters["residueDb"] = 20.0 * std::log10(left);
+    }
+    LongestReverb reverb(path, blockSize);
+    for (std::uint64_t frame = 0; frame < responseFrames && path == RenderPath::fast; frame += blockSize) {
+        reverb.feed();
+        reverb.render();
+    }
+    std::vector<double> microseconds;
+    microseconds.reserve(1 << 20);
+    const bench::ShareOfRealTime share(state, state.range(0), sampleRate);
+    for (auto _ : state) {
+        reverb.feed();
+        const auto start = std::chrono::steady_clock::now();
+        reverb.render();
+        const std::chrono::duration<double, std::micro> taken = std::chrono::steady_clock::now() - start;
+        state.SetIterationTime(taken.count() * 1e-6);
+        microseconds.push_back(taken.count());
+    }
+    std::ranges::sort(microseconds);
+    const auto quantile = [&microseconds](double part) {
+        return microseconds[static_cast<std::size_t>(part * static_cast<double>(microseconds.size() - 1))];
+    };
+    state.counters["p50"] = quantile(0.5);
+    state.counters["p99"] = quantile(0.99);
+    state.counters["p99.9"] = quantile(0.999);
+    state.counters["worst"] = quantile(1.0);
+}
+BENCHMARK_CAPTURE(longestReverb, plain, RenderPath::plain)
+    ->Arg(32)
+    ->Arg(64)
+    ->Arg(128)
+    ->Arg(512)
+    ->Arg(2048)
+    ->UseManualTime();
+BENCHMARK_CAPTURE(longestReverb, fast, RenderPath::fast)
+    ->Arg(32)
+    ->Arg(64)
+    ->Arg(128)
+    ->Arg(512)
+    ->Arg(2048)
+    ->UseManualTime();
+
+} // namespace
