@@ -14,13 +14,6 @@ constexpr float lowFrequencyQ = 1.0f;
 constexpr float lowFrequencyInputGain = 3.1622777f; // +10 dB
 constexpr float lowFrequencyDistanceMetres = 1.5f;
 
-using Ring = boost::circular_buffer<float>;
-
-void pop(Ring& ring, float* target, std::uint64_t count) noexcept {
-    std::copy_n(ring.begin(), count, target);
-    ring.erase_begin(count);
-}
-
 } // namespace
 
 Engine::Engine(double sampleRate, std::uint64_t blockSize, std::uint64_t channelCount,
@@ -36,15 +29,15 @@ Engine::Engine(double sampleRate, std::uint64_t blockSize, std::uint64_t channel
       speakerBuffer(2, blockSize),
       reverbBuffer(2, blockSize),
       settlingBuffer(2, static_cast<std::uint64_t>(settlingSeconds * sampleRate)),
-      inputFifo(channelCount, Ring(2 * blockSize)),
-      outputFifo(2, Ring(2 * blockSize)),
+      inputFifo(channelCount, SampleRing(2 * blockSize)),
+      outputFifo(2, SampleRing(2 * blockSize)),
       componentFactory(componentFactory),
       reverbProcessor(std::move(reverbProcessor)),
       inputFade(std::move(inputFade)) {
     outputProcessor = componentFactory->createOutputProcessor(sampleRate, parameterSet, gainCompensationDb);
     reloadParameters = parameterSet->createReloadParameterSet();
-    for (Ring& ring : outputFifo)
-        ring.resize(blockSize, 0.0f);
+    for (SampleRing& ring : outputFifo)
+        ring.push(mixBuffer.channelPointers[0], blockSize); // still zeros
 }
 
 void Engine::addSpeaker(const Speaker& speaker, std::size_t channelIndex) {
@@ -70,23 +63,23 @@ void Engine::process(const SampleBuffer& input, SampleBuffer& output) {
     }
     for (std::size_t channel = 0; channel < inputFifo.size(); ++channel) {
         const SampleSpan samples = input.channel(channel);
-        inputFifo[channel].insert(inputFifo[channel].end(), samples.begin(), samples.end());
+        inputFifo[channel].push(samples.data, samples.length);
     }
     if (inputFifo.front().size() >= blockSize)
         renderBlock();
     else if (reloadParameters->hasReverb())
         reverbProcessor->workAhead(inputFifo.front().size());
 
-    const std::uint64_t frames = std::min<std::uint64_t>(output.numSamples, outputFifo.front().size());
+    const std::uint64_t frames = std::min(output.numSamples, outputFifo.front().size());
     for (std::size_t channel = 0; channel < outputFifo.size() && channel < output.numChannels; ++channel)
-        pop(outputFifo[channel], output.channelPointers[channel], frames);
+        outputFifo[channel].pop(output.channelPointers[channel], frames);
     for (std::uint64_t channel = outputFifo.size(); channel < output.numChannels; ++channel)
         std::fill_n(output.channelPointers[channel], output.numSamples, 0.0f);
 }
 
 void Engine::renderBlock() {
     for (std::size_t channel = 0; channel < inputFifo.size(); ++channel)
-        pop(inputFifo[channel], workBuffer.channelPointers[channel], blockSize);
+        inputFifo[channel].pop(workBuffer.channelPointers[channel], blockSize);
     mixBuffer.clear();
     inputFade->apply(workBuffer);
     for (const auto& [channel, filter] : channelFilters)
@@ -103,7 +96,7 @@ void Engine::renderBlock() {
     outputProcessor->process(mixBuffer);
     for (std::size_t channel = 0; channel < outputFifo.size(); ++channel) {
         const SampleSpan samples = mixBuffer.channel(channel);
-        outputFifo[channel].insert(outputFifo[channel].end(), samples.begin(), samples.end());
+        outputFifo[channel].push(samples.data, samples.length);
     }
 }
 

@@ -10,11 +10,10 @@
 #include "base/ISpatialProcessor.h"
 #include "base/SampleBuffer.h"
 #include "base/Speaker.h"
+#include "engine/SampleRing.h"
 #include "filters/IGenericBiquadFilter.h"
 #include "parameters/IReloadParameterSet.h"
 #include "parameters/core/IParameterSet.h"
-
-#include <boost/circular_buffer.hpp>
 
 #include <cstddef>
 #include <cstdint>
@@ -71,8 +70,6 @@ public:
     std::uint64_t speakerCount() const noexcept override;
 
 private:
-    using Ring = boost::circular_buffer<float>;
-
     void renderBlock() ORVANE_REALTIME;
 
     double sampleRate;
@@ -80,13 +77,13 @@ private:
     IParameterSet* parameterSet;
     std::unique_ptr<IReloadParameterSet> reloadParameters;
     IHrir* hrir;
-    SampleBuffer workBuffer;      ///< [channelCount][blockSize], one internal block of the input.
-    SampleBuffer mixBuffer;       ///< [2][blockSize], the sum of all sources.
-    SampleBuffer speakerBuffer;   ///< [2][blockSize], the output of one spatial processor.
-    SampleBuffer reverbBuffer;    ///< [2][blockSize]
-    SampleBuffer settlingBuffer;  ///< [2][10 milliseconds], silence.
-    std::vector<Ring> inputFifo;  ///< channelCount rings of 2 * blockSize.
-    std::vector<Ring> outputFifo; ///< Two rings of 2 * blockSize, pre-filled with one block of zeros.
+    SampleBuffer workBuffer;            ///< [channelCount][blockSize], one internal block of the input.
+    SampleBuffer mixBuffer;             ///< [2][blockSize], the sum of all sources.
+    SampleBuffer speakerBuffer;         ///< [2][blockSize], the output of one spatial processor.
+    SampleBuffer reverbBuffer;          ///< [2][blockSize]
+    SampleBuffer settlingBuffer;        ///< [2][10 milliseconds], silence.
+    std::vector<SampleRing> inputFifo;  ///< channelCount rings of 2 * blockSize.
+    std::vector<SampleRing> outputFifo; ///< Two rings of 2 * blockSize, pre-filled with one block of zeros.
     std::map<std::size_t, std::unique_ptr<IGenericBiquadFilter>> channelFilters;
     std::map<std::size_t, std::unique_ptr<ISpatialProcessor>> spatialProcessors;
     const IComponentFactory* componentFactory;
