@@ -53,8 +53,8 @@ private:
         fftwf_cleanup(); // the planner's own tables, which would outlive a module that is unloaded
     }
 
-    /// Planned on aligned memory, as every transform runs on its own aligned scratch; estimated, not
-    /// measured, so that the same length gives the same bits on every run.
+    /// Planned on aligned memory, as every transform runs on such; estimated, not measured, so that the same
+    /// length gives the same bits on every run.
     static fftwf_plan make(PlanKind kind, std::size_t length) {
         const auto time = makeAlignedArray<float>(length);
         const auto first = makeAlignedArray<Complex>(length);
@@ -112,7 +112,11 @@ public:
 
 namespace {
 
-/// The library's own transform, through aligned scratch.
+bool isAligned(const void* memory) noexcept {
+    return reinterpret_cast<std::uintptr_t>(memory) % alignment == 0;
+}
+
+/// The library's own transform, through aligned scratch where the caller's memory is not aligned.
 class DirectMethod final : public RealTransform::Method {
 public:
     explicit DirectMethod(std::size_t samples)
@@ -124,15 +128,25 @@ public:
           backwardPlan(PlanCache::instance().get(PlanKind::realBackward, length)) {}
 
     void forward(const float* time, Complex* spectrum) noexcept override {
-        std::copy_n(time, length, timeScratch.get());
-        fftwf_execute_dft_r2c(forwardPlan, timeScratch.get(), native(spectrumScratch.get()));
-        std::copy_n(spectrumScratch.get(), binCount, spectrum);
+        float* source = timeScratch.get();
+        if (isAligned(time))
+            source = const_cast<float*>(time); // out of place, the library leaves it alone
+        else
+            std::copy_n(time, length, source);
+        const bool direct = isAligned(spectrum);
+        Complex* const target = direct ? spectrum : spectrumScratch.get();
+        fftwf_execute_dft_r2c(forwardPlan, source, native(target));
+        if (!direct)
+            std::copy_n(target, binCount, spectrum);
     }
 
     void backward(const Complex* spectrum, float* time) noexcept override {
         std::copy_n(spectrum, binCount, spectrumScratch.get()); // the library overwrites its input
-        fftwf_execute_dft_c2r(backwardPlan, native(spectrumScratch.get()), timeScratch.get());
-        std::copy_n(timeScratch.get(), length, time);
+        const bool direct = isAligned(time);
+        float* const target = direct ? time : timeScratch.get();
+        fftwf_execute_dft_c2r(backwardPlan, native(spectrumScratch.get()), target);
+        if (!direct)
+            std::copy_n(target, length, time);
     }
 
 private:

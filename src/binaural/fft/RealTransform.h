@@ -11,7 +11,8 @@ namespace orvane::fft {
 
 /// Discrete Fourier transform of real signals of one fixed, arbitrary length, in single precision.
 ///
-/// Shape   time [length]; spectrum [length / 2 + 1], bin 0 to the middle, unpacked; any alignment.
+/// Shape   time [length]; spectrum [length / 2 + 1], bin 0 to the middle, unpacked; any alignment, which
+///         changes no bit, though memory aligned to `alignment` saves copies.
 /// Units   both directions are unscaled: there and back multiplies by `length`.
 /// Thread  made and destroyed on threads that may wait (plans are shared behind one mutex of the module);
 ///         forward() and backward() on one thread at a time per object: no allocation, no lock up to a
