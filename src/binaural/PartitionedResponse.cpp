@@ -15,10 +15,9 @@ namespace {
 /// By bits: a comparison of values would take denormals for zeros where the thread flushes them.
 bool areZeros(const float* samples, std::uint64_t count) noexcept {
     constexpr std::uint32_t allButTheSign = 0x7fffffff;
-    std::uint32_t bits = 0;
-    for (std::uint64_t i = 0; i < count; ++i)
-        bits |= std::bit_cast<std::uint32_t>(samples[i]);
-    return (bits & allButTheSign) == 0;
+    return std::all_of(samples, samples + count, [](float sample) {
+        return (std::bit_cast<std::uint32_t>(sample) & allButTheSign) == 0;
+    });
 }
 
 } // namespace
