@@ -29,7 +29,7 @@ void fillWithNoise(orvane::SampleBuffer& buffer) {
             buffer.channelPointers[channel][i] = static_cast<float>(generator() >> 8) / 8388608.0f - 1.0f;
 }
 
-enum class Replacement { none, direct, whole };
+enum class Replacement { none, same, direct, whole };
 
 /// A number of loudspeakers' convolvers, each with its own input, between two responses that differ as told.
 class Loudspeakers {
@@ -43,8 +43,10 @@ public:
         responses.fill(orvane::SampleBuffer(2, responseLength));
         fillWithNoise(responses[0]);
         responses[1] = responses[0];
-        const std::uint64_t changed = replacement == Replacement::whole ? responseLength : directLength;
-        for (std::uint64_t ear = 0; update && ear < 2; ++ear)
+        const std::uint64_t changed = replacement == Replacement::whole    ? responseLength
+                                      : replacement == Replacement::direct ? directLength
+                                                                           : 0;
+        for (std::uint64_t ear = 0; ear < 2; ++ear)
             for (std::uint64_t i = 0; i < changed; ++i)
                 responses[1].channelPointers[ear][i] *= -0.5f;
         for (std::uint64_t i = 0; i < count; ++i) {
@@ -118,6 +120,8 @@ constexpr auto plain = orvane::RenderPath::plain;
 constexpr auto fast = orvane::RenderPath::fast;
 BENCHMARK_CAPTURE(convolver, plain_still, plain, Replacement::none)->Apply(convolverArguments);
 BENCHMARK_CAPTURE(convolver, fast_still, fast, Replacement::none)->Apply(convolverArguments);
+BENCHMARK_CAPTURE(convolver, plain_same, plain, Replacement::same)->Apply(convolverArguments);
+BENCHMARK_CAPTURE(convolver, fast_same, fast, Replacement::same)->Apply(convolverArguments);
 BENCHMARK_CAPTURE(convolver, plain_direct, plain, Replacement::direct)->Apply(convolverArguments);
 BENCHMARK_CAPTURE(convolver, fast_direct, fast, Replacement::direct)->Apply(convolverArguments);
 BENCHMARK_CAPTURE(convolver, plain_whole, plain, Replacement::whole)->Apply(convolverArguments);
