@@ -51,6 +51,10 @@ BinauralComponentFactory::createClarityProcessor(std::uint64_t length, const flo
     return std::make_unique<ClarityProcessor>(length, amount, &spectrumFactory);
 }
 
+std::shared_ptr<ClarityTable> BinauralComponentFactory::clarityTable(std::uint64_t length) const {
+    return options.path == RenderPath::fast ? ClarityTable::forLength(length) : nullptr;
+}
+
 std::unique_ptr<IInPlaceProcessor>
 BinauralComponentFactory::createDirectFilterRenderer(float sampleRate, ISpatialParameterSetView* view,
                                                      IHrir* hrir, bool simple) const {

@@ -23,6 +23,7 @@ public:
                                                                 std::uint64_t channelCount) const override;
     std::unique_ptr<IInPlaceProcessor> createClarityProcessor(std::uint64_t length,
                                                               const float* amount) const override;
+    std::shared_ptr<ClarityTable> clarityTable(std::uint64_t length) const override;
     std::unique_ptr<IInPlaceProcessor> createDirectFilterRenderer(float sampleRate,
                                                                   ISpatialParameterSetView* view, IHrir* hrir,
                                                                   bool simple) const override;

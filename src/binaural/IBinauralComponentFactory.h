@@ -3,6 +3,7 @@
 
 #include "base/IHrir.h"
 #include "base/IInPlaceProcessor.h"
+#include "binaural/ClarityTable.h"
 #include "binaural/IUpdateChecker.h"
 #include "engine/fades/ICrossFader.h"
 #include "parameters/ISpatialParameterSetView.h"
@@ -38,6 +39,10 @@ public:
     /// @param length samples that are analysed: the HRIR's length.
     virtual std::unique_ptr<IInPlaceProcessor> createClarityProcessor(std::uint64_t length,
                                                                       const float* amount) const = 0;
+
+    /// What the clarity stages of all engines know already; null when nothing is to be kept.
+    virtual std::shared_ptr<ClarityTable> clarityTable(std::uint64_t length) const = 0;
+
     virtual std::unique_ptr<IInPlaceProcessor> createDirectFilterRenderer(float sampleRate,
                                                                           ISpatialParameterSetView* view,
                                                                           IHrir* hrir, bool simple) const = 0;

@@ -3,6 +3,7 @@
 
 #include "binaural/BinauralComponentFactory.h"
 #include "binaural/BinauralProcessor.h"
+#include "binaural/ClarifiedHrir.h"
 #include "binaural/ConvolutionFactory.h"
 #include "binaural/ReverbConvolutionFactory.h"
 #include "binaural/SpeakerBinauralProcessorBuilder.h"
@@ -31,6 +32,7 @@
 #include "parameters/core/SpeakerPropertiesConverter.h"
 #include "parameters/core/SpeakerSetupFallback.h"
 #include "parameters/core/SpeakerSetupMapper.h"
+#include "parameters/core/SpeakerViewSnapshot.h"
 #include "parameters/core/SupportedLayouts.h"
 #include "parameters/core/ToggleValue.h"
 #include "parameters/zmtl/HardValue.h"
@@ -126,11 +128,19 @@ ComponentFactory::createBinauralProcessor(double sampleRate, std::uint64_t block
                                           ISpeakerParameterSetView* view,
                                           std::unique_ptr<IReloadParameterSet> reloadSet) const {
     const bool hardSwitch = reloadSet->watchSource();
+    std::unique_ptr<SpeakerViewSnapshot> snapshot;
+    if (options.path == RenderPath::fast) {
+        const bool simple = reloadSet->getOutputFormat()->isPlainTwoChannel();
+        ClarifiedHrir(hrir, simple, BinauralComponentFactory(options)).fill(view->getClarity());
+        snapshot = std::make_unique<SpeakerViewSnapshot>(view, hrir);
+        view = snapshot.get();
+    }
     const BinauralProcessorBuilder builder(static_cast<float>(sampleRate), blockSize, view,
                                            std::move(reloadSet),
                                            std::make_unique<BinauralComponentFactory>(options),
                                            std::make_unique<ConvolutionFactory>(options), hrir, this);
-    return std::make_unique<BinauralProcessor>(blockSize, hardSwitch, view, builder, options.path);
+    return std::make_unique<BinauralProcessor>(blockSize, hardSwitch, view, builder, options.path,
+                                               std::move(snapshot));
 }
 
 std::unique_ptr<ISpatialProcessor>
