@@ -1,0 +1,54 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <algorithm>
+#include <cstddef>
+#include <ctime>
+#include <vector>
+
+#include <xmmintrin.h>
+
+namespace bench {
+
+/// Seconds since some fixed moment.
+inline double secondsOf(clockid_t clock) {
+    timespec now{};
+    clock_gettime(clock, &now);
+    return static_cast<double>(now.tv_sec) + 1e-9 * static_cast<double>(now.tv_nsec);
+}
+inline double wallSeconds() { return secondsOf(CLOCK_MONOTONIC); }
+/// What the calling thread has computed.
+inline double threadSeconds() { return secondsOf(CLOCK_THREAD_CPUTIME_ID); }
+/// What all threads of the process have computed.
+inline double processSeconds() { return secondsOf(CLOCK_PROCESS_CPUTIME_ID); }
+
+/// The value below which a share of all values lies.
+///
+/// @param values at least one.
+inline double quantile(std::vector<double> values, double share) {
+    const auto index = static_cast<std::size_t>(share * static_cast<double>(values.size()));
+    const auto place = values.begin() + static_cast<std::ptrdiff_t>(std::min(index, values.size() - 1));
+    std::nth_element(values.begin(), place, values.end());
+    return *place;
+}
+inline double median(const std::vector<double>& values) { return quantile(values, 0.5); }
+inline double worst(const std::vector<double>& values) { return *std::max_element(values.begin(), values.end()); }
+
+/// Has the processor take denormal numbers for zero, as the plug-in does while it plays.
+class FlushDenormals {
+public:
+    explicit FlushDenormals(bool flush = true) {
+        constexpr unsigned flushToZero = 0x8000;
+        constexpr unsigned denormalsAreZero = 0x0040;
+        if (flush)
+            _mm_setcsr(before | flushToZero | denormalsAreZero);
+    }
+    ~FlushDenormals() { _mm_setcsr(before); }
+    FlushDenormals(const FlushDenormals&) = delete;
+    FlushDenormals& operator=(const FlushDenormals&) = delete;
+
+private:
+    unsigned before = _mm_getcsr();
+};
+
+} // namespace bench
