@@ -32,7 +32,9 @@ public:
                std::filesystem::exists(installedFolder + "/OVNdata511.dat");
     }
     static std::string folder() { return installed() ? installedFolder : test::reverbFolder(); }
-    static const char* description() { return installed() ? "the installed head and rooms" : "a made-up head and room"; }
+    static const char* description() {
+        return installed() ? "the installed head and rooms" : "a made-up head and room";
+    }
 
     orvane::TenmarshHrir store;
 
@@ -139,14 +141,16 @@ inline void expectSoundOfPlainPath(EngineChoice choice, HeadAndRooms& data) {
     float peak = 0;
     float difference = 0;
     constexpr std::uint64_t frames = 4096;
-    for (std::uint64_t played = 0; played < std::max(frames, 4 * choice.blockSize); played += choice.blockSize) {
+    for (std::uint64_t played = 0; played < std::max(frames, 4 * choice.blockSize);
+         played += choice.blockSize) {
         fast.block();
         plain.block();
         for (std::uint64_t ear = 0; ear < 2; ++ear)
             for (std::uint64_t i = 0; i < choice.blockSize; ++i) {
                 const float expected = plain.lastOutput()->channelPointers[ear][i];
                 peak = std::max(peak, std::abs(expected));
-                difference = std::max(difference, std::abs(fast.lastOutput()->channelPointers[ear][i] - expected));
+                difference =
+                    std::max(difference, std::abs(fast.lastOutput()->channelPointers[ear][i] - expected));
             }
     }
     if (!(peak > 0.0f && difference <= 1e-6f * peak))

@@ -32,7 +32,9 @@ inline double quantile(std::vector<double> values, double share) {
     return *place;
 }
 inline double median(const std::vector<double>& values) { return quantile(values, 0.5); }
-inline double worst(const std::vector<double>& values) { return *std::max_element(values.begin(), values.end()); }
+inline double worst(const std::vector<double>& values) {
+    return *std::max_element(values.begin(), values.end());
+}
 
 /// Has the processor take denormal numbers for zero, as the plug-in does while it plays.
 class FlushDenormals {

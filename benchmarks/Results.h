@@ -17,7 +17,9 @@ inline std::string number(double value, int decimals) {
     return text;
 }
 /// With as many decimals as make three figures.
-inline std::string number(double value) { return number(value, value < 1 ? 3 : value < 10 ? 2 : value < 100 ? 1 : 0); }
+inline std::string number(double value) {
+    return number(value, value < 1 ? 3 : value < 10 ? 2 : value < 100 ? 1 : 0);
+}
 
 /// What a program has measured: a table for the page on standard output, and behind `--results FOLDER` files that
 /// other programs read: every figure as a line of JSON, those that goals speak of, and columns to plot.

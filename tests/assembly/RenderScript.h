@@ -118,10 +118,10 @@ public:
         return 1 + dice.below(longest);
     }
 
-    /// What is played goes on for some blocks, then something else is.
+    /// Noise for some blocks, something else for some, noise again.
     void play(Channels& bus, std::uint64_t frames) {
-        if (dice.oneIn(10))
-            signal = dice.oneIn(2) ? Signal::noise : static_cast<Signal>(dice.below(5));
+        if (dice.oneIn(6))
+            signal = signal == Signal::noise ? static_cast<Signal>(dice.below(5)) : Signal::noise;
         for (std::vector<float>& channel : bus)
             for (std::uint64_t frame = 0; frame < frames; ++frame)
                 channel[frame] = sample();
