@@ -345,7 +345,8 @@ void report(const Results& results, const Case& chosen, const Pair& pair, double
                    bench::number(100 * pair.ours), bench::number(100 * pair.zita),
                    bench::number(pair.ratio, 2), chosen.dense ? "" : bench::number(100 * engine),
                    bench::number(pair.residueDb, 0)});
-    const std::string key = std::string(chosen.layout).substr(0, 5) + "-" + std::to_string(chosen.blockSize) +
+    const std::string layout = chosen.layout;
+    const std::string key = layout.substr(0, layout.find(' ')) + "-" + std::to_string(chosen.blockSize) +
                             (chosen.dense ? "-dense" : "-drawn") + (chosen.withReverb ? "-reverb" : "-dry");
     results.record(key, {{"ours", pair.ours},
                          {"zita", pair.zita},

@@ -1,14 +1,15 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // Whole engines and single loudspeakers, as a share of real time: "realtime" 0.05 means a twentieth of one
 // core.
+#include "EngineRun.h"
+#include "Measure.h"
 #include "ShareOfRealTime.h"
+#include "assembly/EngineRig.h"
 #include "assembly/Product.h"
 #include "binaural/BinauralComponentFactory.h"
 #include "binaural/BinauralProcessor.h"
 #include "binaural/ConvolutionFactory.h"
 #include "binaural/SpeakerBinauralProcessorBuilder.h"
-#include "engine/assembly/EngineBuilder.h"
-#include "engine/assembly/EngineFactory.h"
 #include "parameters/core/Scene.h"
 #include "room/ReverbFilterFactory.h"
 #include "room/SpeakerDirectFilterRenderer.h"
@@ -18,16 +19,16 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <memory>
+#include <set>
 #include <string>
 #include <string_view>
-#include <vector>
+#include <utility>
 
 #include <malloc.h>
 
 namespace {
 
-constexpr double sampleRate = 48000.0;
+using bench::sampleRate;
 
 struct Layout {
     const char* shown; ///< In the benchmark's name.
@@ -35,21 +36,50 @@ struct Layout {
 };
 constexpr Layout layouts[]{{"2.0", "2.0 +/-30°"}, {"5.1", "5.1 ITU"}, {"7.1.4", "7.1.4"}, {"9.1.6", "9.1.6"}};
 
-void wholeEngine(benchmark::State& state, std::string_view scene, const Layout& layout) {
-    const auto blockSize = static_cast<std::uint64_t>(state.range(0));
-    test::SphericalHead head(139);
-    test::Product product(&head);
-    product.chooseLayout(layout.name);
-    product.chooseScene(scene);
-    product.prepare(blockSize, sampleRate);
-    std::vector<std::vector<float>> bus(16, std::vector<float>(blockSize, 0.1f));
-    const std::vector<float*> pointers = test::channelPointers(bus);
-    const orvane::SampleBuffer input(pointers.data(), 16, blockSize);
-    orvane::SampleBuffer output(2, blockSize);
+bench::HeadAndRooms& data() {
+    static bench::HeadAndRooms shared;
+    return shared;
+}
+
+/// Once for each choice, as the library calls a benchmark several times.
+void checkSound(const bench::EngineChoice& choice) {
+    static std::set<std::string> checked;
+    if (checked.insert(choice.layout + "/" + choice.scene + "/" + std::to_string(choice.blockSize)).second)
+        bench::expectSoundOfPlainPath(choice, data());
+}
+
+void wholeEngine(benchmark::State& state, std::string_view scene, const Layout& layout,
+                 orvane::RenderPath path) {
+    bench::EngineChoice choice{layout.name,
+                               std::string(scene),
+                               bench::Reverb::ofScene,
+                               static_cast<std::uint64_t>(state.range(0)),
+                               {}};
+    checkSound(choice);
+    choice.options.path = path;
+    bench::EngineRun run(choice, data());
+    const bench::FlushDenormals flush;
     const bench::ShareOfRealTime share(state, state.range(0), sampleRate);
     for (auto _ : state)
-        product.manager->process(input, output);
+        run.block();
 }
+
+/// What comes in is noise, or so faint that every sample is denormal; with the processor's flags as the plug-in
+/// sets them, or without.
+void faintInput(benchmark::State& state, float level, bool flushed) {
+    bench::EngineRun run(
+        {"7.1.4", "Mix Room", bench::Reverb::ofScene, static_cast<std::uint64_t>(state.range(0)), {}},
+        data());
+    run.scaleInput(level);
+    const bench::FlushDenormals flush(flushed);
+    const bench::ShareOfRealTime share(state, state.range(0), sampleRate);
+    for (auto _ : state)
+        run.block();
+}
+BENCHMARK_CAPTURE(faintInput, noise_flushed, 1.0f, true)->Arg(64)->Arg(512);
+BENCHMARK_CAPTURE(faintInput, denormals_flushed, 1e-39f, true)->Arg(64)->Arg(512);
+BENCHMARK_CAPTURE(faintInput, noise_kept, 1.0f, false)->Arg(64)->Arg(512);
+BENCHMARK_CAPTURE(faintInput, denormals_kept, 1e-39f, false)->Arg(64)->Arg(512);
 
 /// What the program holds of the heap, in bytes.
 double heldBytes() {
@@ -61,18 +91,14 @@ double heldBytes() {
 void builtEngine(benchmark::State& state, std::string_view scene, const Layout& layout) {
     const auto blockSize = static_cast<std::uint64_t>(state.range(0));
     test::SphericalHead head(139);
-    test::Product product(&head);
-    product.chooseLayout(layout.name);
-    product.chooseScene(scene);
-    product.updateMappers();
-    orvane::kestrum::core::EngineFactory factory(
-        product.speakerSetup.get(), product.layouts.get(), &product.factory, product.parameterSet.get(),
-        &head, test::reverbFolder(), std::make_unique<orvane::kestrum::core::EngineBuilder>(),
-        std::make_unique<orvane::ReverbFilterFactory>(), [] {});
+    test::EngineRig rig(&head);
+    rig.product.chooseLayout(layout.name);
+    rig.product.chooseScene(scene);
     double bytes = 0;
     for (auto _ : state) {
+        rig.engine.reset();
         const double before = heldBytes();
-        const auto engine = factory.createEngine(blockSize, sampleRate);
+        rig.start(blockSize, sampleRate);
         bytes = heldBytes() - before;
     }
     state.counters["bytes"] = bytes;
@@ -80,13 +106,16 @@ void builtEngine(benchmark::State& state, std::string_view scene, const Layout& 
 
 /// Every Scene, layout and block: "wholeEngine/Kitchen/5.1/512". A part is chosen by --benchmark_filter.
 const bool registered = [] {
+    const std::pair<orvane::RenderPath, std::string> paths[]{{orvane::RenderPath::fast, "wholeEngine"},
+                                                             {orvane::RenderPath::plain, "plainEngine"}};
     for (const auto& scene : orvane::kestrum::core::Scene::presets())
         for (const Layout& layout : layouts) {
             const std::string suffix = "/" + std::string(scene.name) + "/" + layout.shown;
-            benchmark::RegisterBenchmark(("wholeEngine" + suffix).c_str(), wholeEngine, scene.name, layout)
-                ->Arg(64)
-                ->Arg(128)
-                ->Arg(512);
+            for (const auto& [path, name] : paths)
+                benchmark::RegisterBenchmark((name + suffix).c_str(), wholeEngine, scene.name, layout, path)
+                    ->Arg(64)
+                    ->Arg(128)
+                    ->Arg(512);
             benchmark::RegisterBenchmark(("builtEngine" + suffix).c_str(), builtEngine, scene.name, layout)
                 ->Arg(64)
                 ->Arg(512);

@@ -117,11 +117,18 @@ public:
         return used / (static_cast<double>(blocks) * blockSeconds());
     }
 
+    void scaleInput(float factor) {
+        for (std::vector<float>& channel : bus)
+            for (float& sample : channel)
+                sample *= factor;
+    }
+
     double blockSeconds() const { return static_cast<double>(choice.blockSize) / sampleRate; }
+
+    const orvane::SampleBuffer& lastOutput() const { return output; }
 
     const EngineChoice choice;
     test::EngineRig rig;
-    orvane::SampleBuffer* lastOutput() { return &output; }
 
 private:
     static constexpr std::size_t noiseLength = 65536;
@@ -147,10 +154,10 @@ inline void expectSoundOfPlainPath(EngineChoice choice, HeadAndRooms& data) {
         plain.block();
         for (std::uint64_t ear = 0; ear < 2; ++ear)
             for (std::uint64_t i = 0; i < choice.blockSize; ++i) {
-                const float expected = plain.lastOutput()->channelPointers[ear][i];
+                const float expected = plain.lastOutput().channelPointers[ear][i];
                 peak = std::max(peak, std::abs(expected));
                 difference =
-                    std::max(difference, std::abs(fast.lastOutput()->channelPointers[ear][i] - expected));
+                    std::max(difference, std::abs(fast.lastOutput().channelPointers[ear][i] - expected));
             }
     }
     if (!(peak > 0.0f && difference <= 1e-6f * peak))

@@ -47,12 +47,12 @@ constexpr Amount plainAmount{500, 6, 1};
 
 /// Shares of a block's time.
 struct Distribution {
-    double p50, p99, p999, worst;
+    double mean, p50, p99, p999, worst;
 };
 
 Distribution distributionOf(const std::vector<double>& shares) {
-    return {bench::quantile(shares, 0.5), bench::quantile(shares, 0.99), bench::quantile(shares, 0.999),
-            bench::worst(shares)};
+    return {bench::mean(shares), bench::quantile(shares, 0.5), bench::quantile(shares, 0.99),
+            bench::quantile(shares, 0.999), bench::worst(shares)};
 }
 
 /// The runs' medians, and the worst of all.
@@ -70,7 +70,7 @@ Distribution medianOf(const std::vector<Distribution>& runs) {
             values.push_back(run.*figure);
         return bench::median(values);
     };
-    return {of(&Distribution::p50), of(&Distribution::p99), of(&Distribution::p999),
+    return {of(&Distribution::mean), of(&Distribution::p50), of(&Distribution::p99), of(&Distribution::p999),
             of(&Distribution::worst)};
 }
 
@@ -127,13 +127,14 @@ void report(const Results& results, const EngineChoice& choice, const Motion& mo
     const double microseconds = 1e6 * static_cast<double>(choice.blockSize) / bench::sampleRate;
     const std::string block = std::to_string(choice.blockSize);
     Results::line({block + ", " + (longest ? "longest reverb" : firstScene) + ", " + motion.name,
-                   fast ? "fast" : "plain", percent(summary.thread.p50), percent(summary.thread.p99),
-                   percent(summary.thread.p999), percent(summary.thread.worst),
+                   fast ? "fast" : "plain", percent(summary.thread.mean), percent(summary.thread.p50),
+                   percent(summary.thread.p99), percent(summary.thread.p999), percent(summary.thread.worst),
                    bench::number(summary.thread.worst * microseconds), percent(summary.worstThreadOfAll),
                    percent(summary.wall.p50), percent(summary.wall.worst), percent(summary.worstWallOfAll)});
     const std::string path = fast ? "fast" : "plain";
     const std::string key = path + "-" + block + "-" + (longest ? "longest" : "club") + "-" + motion.key;
     results.record(key, {{"microsecondsPerBlock", microseconds},
+                         {"threadMean", summary.thread.mean},
                          {"threadP50", summary.thread.p50},
                          {"threadP99", summary.thread.p99},
                          {"threadP999", summary.thread.p999},
@@ -145,7 +146,7 @@ void report(const Results& results, const EngineChoice& choice, const Motion& mo
                          {"wallWorst", summary.wall.worst},
                          {"wallWorstOfAll", summary.worstWallOfAll}});
     if (fast && longest) {
-        results.goal("evenness-median-" + block + "-" + motion.key, 100 * summary.thread.p50);
+        results.goal("evenness-mean-" + block + "-" + motion.key, 100 * summary.thread.mean);
         results.goal("evenness-worst-" + block + "-" + motion.key, 100 * summary.thread.worst);
         results.plot("evenness-" + block,
                      "\"" + std::string(motion.name) + "\" " + percent(summary.thread.p50) + " " +
@@ -159,8 +160,8 @@ void run(const Results& results) {
     const bench::FlushDenormals flush;
     std::cout << "16 loudspeakers (9.1.6) at 48 kHz, " << bench::HeadAndRooms::description()
               << "; percent of a block's time.\n\n";
-    Results::heading({"block, room, movement", "path", "median", "99 %", "99.9 %", "worst", "worst, µs",
-                      "worst of all runs", "median by the clock", "worst by the clock",
+    Results::heading({"block, room, movement", "path", "mean", "median", "99 %", "99.9 %", "worst",
+                      "worst, µs", "worst of all runs", "median by the clock", "worst by the clock",
                       "worst of all by the clock"});
     for (const std::uint64_t blockSize : {32U, 64U, 128U, 512U})
         for (const Reverb reverb : {Reverb::ofScene, Reverb::longest}) {

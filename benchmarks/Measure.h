@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <ctime>
+#include <numeric>
 #include <vector>
 
 #include <xmmintrin.h>
@@ -32,6 +33,9 @@ inline double quantile(std::vector<double> values, double share) {
     return *place;
 }
 inline double median(const std::vector<double>& values) { return quantile(values, 0.5); }
+inline double mean(const std::vector<double>& values) {
+    return std::accumulate(values.begin(), values.end(), 0.0) / static_cast<double>(values.size());
+}
 inline double worst(const std::vector<double>& values) {
     return *std::max_element(values.begin(), values.end());
 }

@@ -1,11 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // What is heard at a change of Scene, for each of the 240 ordered pairs: the two engines' own sounds, mixed
 // linearly, and nothing besides.
+#include "assembly/EngineRig.h"
 #include "assembly/Product.h"
-#include "engine/assembly/EngineBuilder.h"
-#include "engine/assembly/EngineFactory.h"
 #include "parameters/core/Scene.h"
-#include "room/ReverbFilterFactory.h"
 #include "support/Clicks.h"
 #include "support/ReverbFiles.h"
 #include "support/Signals.h"
@@ -19,7 +17,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <functional>
-#include <memory>
 #include <numbers>
 #include <span>
 #include <string>
@@ -74,26 +71,21 @@ Channels music() {
     return channels;
 }
 
-/// The product with an engine factory at hand, so that a test fixes the moment of each change.
+/// A stereo bus through engines that a test changes when it wants to.
 class Bench {
 public:
     Bench(std::uint64_t internalBlock, const std::string& dataDirectory)
-        : blockSize(internalBlock),
-          engines(product.speakerSetup.get(), product.layouts.get(), &product.factory,
-                  product.parameterSet.get(), product.hrir, dataDirectory,
-                  std::make_unique<orvane::kestrum::core::EngineBuilder>(),
-                  std::make_unique<orvane::ReverbFilterFactory>(), [this] { product.updateMappers(); }) {}
+        : blockSize(internalBlock), rig(nullptr, dataDirectory) {}
 
     /// The first engine, at rest in a Scene.
     void start(std::size_t scene) {
-        product.chooseScene(Scene::presets()[scene].name);
-        product.updateMappers();
-        engine = engines.createEngine(blockSize, sampleRate);
+        rig.product.chooseScene(Scene::presets()[scene].name);
+        rig.start(blockSize, sampleRate);
     }
 
     void change(std::size_t scene) {
-        product.chooseScene(Scene::presets()[scene].name);
-        engine = engines.createCrossfadedEngine(std::move(engine), blockSize, sampleRate);
+        rig.product.chooseScene(Scene::presets()[scene].name);
+        rig.change();
     }
 
     /// Plays the first `frames` of `input`, a whole number of blocks.
@@ -105,7 +97,7 @@ public:
             for (std::size_t channel = 0; channel < 2; ++channel)
                 std::copy_n(input[channel].data() + start, blockSize, bus[channel].data());
             orvane::SampleBuffer view(pointers.data(), 2, blockSize);
-            engine->process(view, view);
+            rig.engine->process(view, view);
             for (std::size_t ear = 0; ear < 2; ++ear)
                 output[ear].insert(output[ear].end(), bus[ear].begin(), bus[ear].end());
         }
@@ -114,9 +106,7 @@ public:
 
 private:
     std::uint64_t blockSize;
-    Product product;
-    orvane::kestrum::core::EngineFactory engines;
-    std::shared_ptr<orvane::IEngine> engine;
+    test::EngineRig rig;
 };
 
 /// Every Scene by itself.
