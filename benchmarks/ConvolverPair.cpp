@@ -21,7 +21,6 @@
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
-#include <exception>
 #include <iostream>
 #include <memory>
 #include <stdexcept>
@@ -391,11 +390,5 @@ void run(const Results& results) {
 } // namespace
 
 int main(int argumentCount, char** arguments) {
-    try {
-        run(Results("convolver_pair", argumentCount, arguments));
-        return 0;
-    } catch (const std::exception& problem) {
-        std::cerr << "convolver_pair: " << problem.what() << ".\n";
-        return 1;
-    }
+    return bench::runProgram("convolver_pair", argumentCount, arguments, run);
 }

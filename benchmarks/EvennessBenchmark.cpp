@@ -8,7 +8,6 @@
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
-#include <exception>
 #include <iostream>
 #include <string>
 #include <vector>
@@ -178,11 +177,5 @@ void run(const Results& results) {
 } // namespace
 
 int main(int argumentCount, char** arguments) {
-    try {
-        run(Results("evenness", argumentCount, arguments));
-        return 0;
-    } catch (const std::exception& problem) {
-        std::cerr << "evenness_benchmark: " << problem.what() << ".\n";
-        return 1;
-    }
+    return bench::runProgram("evenness", argumentCount, arguments, run);
 }

@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <cstdio>
+#include <exception>
 #include <fstream>
 #include <iostream>
 #include <string>
@@ -73,5 +74,17 @@ private:
     std::string name;
     std::string folder; ///< Empty: nothing is written.
 };
+
+/// What a program's main() returns: `run` measures, and what it throws is one sentence and status 1.
+inline int runProgram(const std::string& program, int argumentCount, char** arguments,
+                      void (*run)(const Results&)) {
+    try {
+        run(Results(program, argumentCount, arguments));
+        return 0;
+    } catch (const std::exception& problem) {
+        std::cerr << program << ": " << problem.what() << ".\n";
+        return 1;
+    }
+}
 
 } // namespace bench

@@ -10,7 +10,6 @@
 #include <array>
 #include <cmath>
 #include <cstdint>
-#include <exception>
 #include <fstream>
 #include <functional>
 #include <iostream>
@@ -242,11 +241,5 @@ void run(const Results& results) {
 } // namespace
 
 int main(int argumentCount, char** arguments) {
-    try {
-        run(Results("scaling", argumentCount, arguments));
-        return 0;
-    } catch (const std::exception& problem) {
-        std::cerr << "scaling_benchmark: " << problem.what() << ".\n";
-        return 1;
-    }
+    return bench::runProgram("scaling", argumentCount, arguments, run);
 }
