@@ -136,8 +136,8 @@ public:
         mix.clear();
         mono.clear();
         for (std::size_t channel = 0; channel < convolvers.size(); ++channel) {
-            convolvers[channel]->processCrossfaded(input.channel(channel), fader.buffer(), speaker, silence,
-                                                   false);
+            convolvers[channel]->process(input.channel(channel), speaker, silence, false);
+            fader.buffer().copyFrom(speaker); // from the response to itself
             fader.apply(speaker);
             speaker.multiplyBy(1.0f);
             mix.addFrom(speaker);
