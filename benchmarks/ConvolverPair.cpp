@@ -12,6 +12,7 @@
 #include "room/IReverbFilter.h"
 #include "room/ReverbFilterFactory.h"
 #include "room/ReverbImpulseResponse.h"
+#include "support/FlushDenormals.h"
 
 #include <zita-convolver.h>
 
@@ -357,7 +358,7 @@ void report(const Results& results, const Case& chosen, const Pair& pair, double
 
 void run(const Results& results) {
     HeadAndRooms data;
-    const bench::FlushDenormals flush;
+    const test::FlushDenormals flush;
     std::cout << "Percent of a core at 48 kHz, " << HeadAndRooms::description() << ", medians of "
               << pairCount - 1 << " pairs.\n\n";
     Results::heading(

@@ -13,6 +13,7 @@
 #include "parameters/core/Scene.h"
 #include "room/ReverbFilterFactory.h"
 #include "room/SpeakerDirectFilterRenderer.h"
+#include "support/FlushDenormals.h"
 #include "support/SphericalHead.h"
 
 #include <benchmark/benchmark.h>
@@ -58,7 +59,7 @@ void wholeEngine(benchmark::State& state, std::string_view scene, const Layout& 
     checkSound(choice);
     choice.options.path = path;
     bench::EngineRun run(choice, data());
-    const bench::FlushDenormals flush;
+    const test::FlushDenormals flush;
     const bench::ShareOfRealTime share(state, state.range(0), sampleRate);
     for (auto _ : state)
         run.block();
@@ -71,7 +72,7 @@ void faintInput(benchmark::State& state, float level, bool flushed) {
         {"7.1.4", "Mix Room", bench::Reverb::ofScene, static_cast<std::uint64_t>(state.range(0)), {}},
         data());
     run.scaleInput(level);
-    const bench::FlushDenormals flush(flushed);
+    const test::FlushDenormals flush(flushed);
     const bench::ShareOfRealTime share(state, state.range(0), sampleRate);
     for (auto _ : state)
         run.block();

@@ -4,6 +4,7 @@
 #include "EngineRun.h"
 #include "Measure.h"
 #include "Results.h"
+#include "support/FlushDenormals.h"
 
 #include <cmath>
 #include <cstddef>
@@ -156,7 +157,7 @@ void report(const Results& results, const EngineChoice& choice, const Motion& mo
 
 void run(const Results& results) {
     bench::HeadAndRooms data;
-    const bench::FlushDenormals flush;
+    const test::FlushDenormals flush;
     std::cout << "16 loudspeakers (9.1.6) at 48 kHz, " << bench::HeadAndRooms::description()
               << "; percent of a block's time.\n\n";
     Results::heading({"block, room, movement", "path", "mean", "median", "99 %", "99.9 %", "worst",

@@ -7,8 +7,6 @@
 #include <numeric>
 #include <vector>
 
-#include <xmmintrin.h>
-
 namespace bench {
 
 /// Seconds since some fixed moment.
@@ -39,22 +37,5 @@ inline double mean(const std::vector<double>& values) {
 inline double worst(const std::vector<double>& values) {
     return *std::max_element(values.begin(), values.end());
 }
-
-/// Has the processor take denormal numbers for zero, as the plug-in does while it plays.
-class FlushDenormals {
-public:
-    explicit FlushDenormals(bool flush = true) {
-        constexpr unsigned flushToZero = 0x8000;
-        constexpr unsigned denormalsAreZero = 0x0040;
-        if (flush)
-            _mm_setcsr(before | flushToZero | denormalsAreZero);
-    }
-    ~FlushDenormals() { _mm_setcsr(before); }
-    FlushDenormals(const FlushDenormals&) = delete;
-    FlushDenormals& operator=(const FlushDenormals&) = delete;
-
-private:
-    unsigned before = _mm_getcsr();
-};
 
 } // namespace bench

@@ -3,6 +3,7 @@
 // play_benchmark LAYOUT SCENE BLOCK SECONDS
 #include "EngineRun.h"
 #include "Measure.h"
+#include "support/FlushDenormals.h"
 
 #include <cstdlib>
 #include <exception>
@@ -14,7 +15,7 @@ int main(int argumentCount, char** arguments) {
         return 2;
     }
     try {
-        const bench::FlushDenormals flush;
+        const test::FlushDenormals flush;
         const auto blockSize = std::strtoull(arguments[3], nullptr, 10);
         bench::HeadAndRooms data;
         const bench::EngineChoice choice{arguments[1], arguments[2], bench::Reverb::ofScene, blockSize, {}};

@@ -6,6 +6,7 @@
 #include "binaural/BinauralProcessorBuilder.h"
 #include "binaural/ReverbConvolutionFactory.h"
 #include "parameters/core/Scene.h"
+#include "support/FlushDenormals.h"
 
 #include <array>
 #include <cmath>
@@ -227,7 +228,7 @@ void atDefaultSettings(const Results& results, HeadAndRooms& data) {
 
 void run(const Results& results) {
     HeadAndRooms data;
-    const bench::FlushDenormals flush;
+    const test::FlushDenormals flush;
     std::cout << "Percent of a core at 48 kHz, nothing moving, " << HeadAndRooms::description() << ".\n\n";
     againstThePlainPath(results, data);
     atDefaultSettings(results, data);
