@@ -31,7 +31,7 @@ public:
         return std::filesystem::exists(installedFolder + "/OVNdata121.dat") &&
                std::filesystem::exists(installedFolder + "/OVNdata511.dat");
     }
-    static std::string folder() { return installed() ? installedFolder : test::reverbFolder(); }
+    static std::string folder() { return installed() ? installedFolder : test::fullReverbFolder(); }
     static const char* description() {
         return installed() ? "the installed head and rooms" : "a made-up head and room";
     }

@@ -9,8 +9,8 @@
 #include "support/FlushDenormals.h"
 #include "support/NoiseHrirReader.h"
 #include "support/RealtimeScope.h"
+#include "support/ReverbFiles.h"
 #include "support/Signals.h"
-#include "support/WaveFile.h"
 
 #include <gtest/gtest.h>
 
@@ -43,26 +43,6 @@ const auto settingName = [](const auto& setting) { return ::testing::PrintToStri
 const char* nameOf(InstructionSet set) {
     constexpr const char* names[]{"scalar", "sse2", "avx", "avx512"};
     return names[static_cast<std::size_t>(set)];
-}
-
-/// Reverb files without a silent sample up to the end of the longest room.
-std::string longReverbFolder() {
-    static const test::TemporaryFolder folder;
-    static const bool isFilled = [] {
-        const auto write = [](const char* name, std::size_t frames) {
-            test::Signal samples = test::noise(2 * frames, test::Seed{52});
-            for (std::size_t i = 0; i < samples.size(); ++i)
-                samples[i] *= std::exp(-4.0f * static_cast<float>(i) / static_cast<float>(samples.size()));
-            test::writeBytes(folder.file(name), test::reverbContainer(samples));
-        };
-        constexpr std::size_t longest = 220245;
-        write("OVNdata512.dat", longest / 2);
-        write("OVNdata510.dat", longest * 441 / 480);
-        write("OVNdata511.dat", longest);
-        return true;
-    }();
-    static_cast<void>(isFilled);
-    return folder.path();
 }
 
 std::int32_t fileRateOf(std::int32_t sampleRate) {
@@ -153,7 +133,7 @@ public:
 
 private:
     void add(const orvane::RenderOptions& options, const test::EngineRig::Settle& settle) {
-        rigs.push_back(std::make_unique<test::EngineRig>(&store, longReverbFolder(), options, settle));
+        rigs.push_back(std::make_unique<test::EngineRig>(&store, test::fullReverbFolder(), options, settle));
         products.push_back(&rigs.back()->product);
         outputs.emplace_back(2);
         labels.emplace_back(options.path == RenderPath::plain ? "plain" : nameOf(options.instructionSet));

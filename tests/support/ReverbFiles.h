@@ -53,17 +53,21 @@ inline void writeReverbFiles(const std::filesystem::path& folder) {
 /// Frames of the longest reverb there is, that of room 28, at 48000 Hz.
 inline constexpr std::size_t longestReverbFrames = 220245;
 
-/// A folder with a file of 48000 Hz in which every entry is noise that falls by 60 dB over the longest reverb's
+/// A folder with reverb files in which every entry is noise that falls by 60 dB over the longest reverb's
 /// length: no part of it is silent. Made at the first call of the process and removed at its end.
 inline std::string fullReverbFolder() {
     static const TemporaryFolder folder;
     static const bool isFilled = [] {
-        Signal frames = noise(2 * longestReverbFrames, Seed{52});
-        for (std::size_t i = 0; i < frames.size(); ++i)
-            frames[i] *= static_cast<float>(
-                std::pow(10.0, -3.0 * static_cast<double>(i) / static_cast<double>(frames.size())));
-        writeBytes((std::filesystem::path(folder.path()) / "OVNdata511.dat").string(),
-                   reverbContainer(frames));
+        const auto write = [](const char* name, std::size_t sampleRate) {
+            Signal frames = noise(2 * (longestReverbFrames * sampleRate / 48000), Seed{52});
+            for (std::size_t i = 0; i < frames.size(); ++i)
+                frames[i] *= static_cast<float>(
+                    std::pow(10.0, -3.0 * static_cast<double>(i) / static_cast<double>(frames.size())));
+            writeBytes(folder.file(name), reverbContainer(frames));
+        };
+        write("OVNdata512.dat", 24000);
+        write("OVNdata510.dat", 44100);
+        write("OVNdata511.dat", 48000);
         return true;
     }();
     static_cast<void>(isFilled);
