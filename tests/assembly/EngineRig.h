@@ -43,7 +43,11 @@ public:
     }
 
     /// A second engine for what is chosen by now, and the crossfade to it.
-    void change() { engine = engines.createCrossfadedEngine(std::move(engine), internalBlock, rate); }
+    void change() {
+        if (settleProduct) // the Scene's values come with the new engine's first block, but what it is built for does not
+            settleProduct(product);
+        engine = engines.createCrossfadedEngine(std::move(engine), internalBlock, rate);
+    }
 
     Product product;
     std::shared_ptr<orvane::IEngine> engine;
