@@ -140,7 +140,8 @@ private:
 
 /// A fast wrong answer is none: compares the fast path's sound with the plain one's over the first blocks.
 ///
-/// @throws std::runtime_error where they differ by more than -120 dB of the peak.
+/// @throws std::runtime_error where they differ by more than -100 dB of the peak: what the engine's filters make of the
+///         late reverb's rounding.
 inline void expectSoundOfPlainPath(EngineChoice choice, HeadAndRooms& data) {
     EngineRun fast(choice, data);
     choice.options.path = orvane::RenderPath::plain;
@@ -160,7 +161,7 @@ inline void expectSoundOfPlainPath(EngineChoice choice, HeadAndRooms& data) {
                     std::max(difference, std::abs(fast.lastOutput().channelPointers[ear][i] - expected));
             }
     }
-    if (!(peak > 0.0f && difference <= 1e-6f * peak))
+    if (!(peak > 0.0f && difference <= 1e-5f * peak))
         throw std::runtime_error("the fast path sounds different in " + choice.scene + ", " + choice.layout);
 }
 

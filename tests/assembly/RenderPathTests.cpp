@@ -22,6 +22,7 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -68,37 +69,40 @@ test::EngineRig::Settle withoutLongReverbs(const Setting& setting) {
 /// The plain product and, beside it, a fast one for each instruction set of this processor.
 class SideBySide {
 public:
-    SideBySide(const Setting& setting, std::uint32_t seed, const test::EngineRig::Settle& settle)
+    SideBySide(const Setting& setting, std::uint32_t seed, test::EngineRig::Settle settle)
         : setting(setting),
+          settle(std::move(settle)),
           store(std::make_unique<test::NoiseHrirReader>()),
           script(seed, setting.sampleRate),
           bus(16, std::vector<float>(setting.blockSize)) {
         store.load(setting.sampleRate, "");
-        add({RenderPath::plain, InstructionSet::scalar}, settle);
+        add("plain", {RenderPath::plain, InstructionSet::scalar});
         for (const InstructionSet set : orvane::supportedInstructionSets())
-            add({RenderPath::fast, set}, settle);
-        script.choose(products);
-        for (const auto& rig : rigs)
-            rig->start(setting.blockSize, setting.sampleRate);
+            add(nameOf(set), {RenderPath::fast, set});
     }
+
+    /// Adds a plain product that hears every other sample one bit nearer to zero.
+    void addNudged() { add(nudged, {RenderPath::plain, InstructionSet::scalar}); }
 
     /// Long enough for two changes with their fades, each in the middle of a host block or not.
     void play() {
+        if (sides.front().rig->engine == nullptr)
+            start();
         const std::uint64_t length = std::max<std::uint64_t>(
             static_cast<std::uint64_t>(0.06 * setting.sampleRate), 24 * setting.blockSize);
         std::uint64_t nextChange = length / 4;
         for (std::uint64_t played = 0; played < length;) {
             if (played >= nextChange) {
-                script.choose(products);
-                for (const auto& rig : rigs)
-                    rig->change();
+                script.choose(products());
+                for (const Side& side : sides)
+                    side.rig->change();
                 nextChange += length / 3;
             }
             const std::uint64_t frames = script.hostBlock(setting.blockSize);
-            script.move(products, frames);
+            script.move(products(), frames);
             script.play(bus, frames);
-            for (std::size_t index = 0; index < rigs.size(); ++index)
-                render(index, frames);
+            for (Side& side : sides)
+                render(side, frames);
             played += frames;
         }
     }
@@ -107,62 +111,96 @@ public:
     void turnStoreTo(std::int32_t sampleRate) { store.load(sampleRate, ""); }
 
     void expectEqualBits() const {
-        for (std::size_t index = 1; index < outputs.size(); ++index)
-            for (std::size_t ear = 0; ear < 2; ++ear)
-                for (std::size_t i = 0; i < outputs[0][ear].size(); ++i) {
-                    const float plain = outputs[0][ear][i];
-                    const float fast = outputs[index][ear][i];
-                    ASSERT_EQ(std::bit_cast<std::uint32_t>(fast), std::bit_cast<std::uint32_t>(plain))
-                        << labels[index] << ", ear " << ear << ", first at sample " << i << " (block "
-                        << i / setting.blockSize << "): " << fast << ", not " << plain;
-                }
+        forEachSample([this](const Side& side, std::size_t ear, std::size_t i, float fast, float plain) {
+            if (std::bit_cast<std::uint32_t>(fast) == std::bit_cast<std::uint32_t>(plain))
+                return true;
+            ADD_FAILURE() << side.label << ", ear " << ear << ", first at sample " << i << " (block "
+                          << i / setting.blockSize << "): " << fast << ", not " << plain;
+            return false;
+        });
     }
 
-    /// Fails where a difference is larger than -120 dB of the output's peak.
+    /// A difference of up to -120 dB of the peak is allowed, and where the nudged product differs by more, which is
+    /// what the filters of the engine make of rounding in 32 bits, twice as much as that.
     void expectSmallResidue() const {
-        const float loudest = peak();
         float largest = 0;
-        for (std::size_t index = 1; index < outputs.size(); ++index)
-            for (std::size_t ear = 0; ear < 2; ++ear)
-                for (std::size_t i = 0; i < outputs[0][ear].size(); ++i) {
-                    const float difference = std::abs(outputs[index][ear][i] - outputs[0][ear][i]);
-                    largest = std::max(largest, difference / loudest);
-                    ASSERT_LT(difference, residueLimit * loudest)
-                        << labels[index] << ", ear " << ear << ", first at sample " << i << " (block "
-                        << i / setting.blockSize << "), where the plain path gives " << outputs[0][ear][i];
-                }
-        ::testing::Test::RecordProperty("ResidueDb", std::to_string(20 * std::log10(largest)));
+        float ofNudged = 0;
+        forEachSample([&](const Side& side, std::size_t, std::size_t, float other, float plain) {
+            float& worst = side.label == nudged ? ofNudged : largest;
+            worst = std::max(worst, std::abs(other - plain));
+            return true;
+        });
+        const float loudest = peak();
+        EXPECT_LE(largest, std::max(residueLimit * loudest, 2.0f * ofNudged));
+        const auto decibels = [&](float difference) {
+            return std::to_string(20 * std::log10(difference / loudest));
+        };
+        ::testing::Test::RecordProperty("ResidueDb", decibels(largest));
+        ::testing::Test::RecordProperty("ResidueOfNudgedDb", decibels(ofNudged));
     }
 
-    float peak() const { return std::max(test::peak(outputs[0][0]), test::peak(outputs[0][1])); }
+    float peak() const { return std::max(test::peak(sides[0].output[0]), test::peak(sides[0].output[1])); }
 
 private:
-    void add(const orvane::RenderOptions& options, const test::EngineRig::Settle& settle) {
-        rigs.push_back(std::make_unique<test::EngineRig>(&store, test::fullReverbFolder(), options, settle));
-        products.push_back(&rigs.back()->product);
-        outputs.emplace_back(2);
-        labels.emplace_back(options.path == RenderPath::plain ? "plain" : nameOf(options.instructionSet));
+    struct Side {
+        std::string label;
+        std::unique_ptr<test::EngineRig> rig;
+        Channels output; ///< [ear][frame]
+    };
+
+    void add(const std::string& label, const orvane::RenderOptions& options) {
+        sides.push_back({label,
+                         std::make_unique<test::EngineRig>(&store, test::fullReverbFolder(), options, settle),
+                         Channels(2)});
     }
 
-    void render(std::size_t index, std::uint64_t frames) {
-        std::array<std::vector<float>, 2> ears{std::vector<float>(frames), std::vector<float>(frames)};
-        std::array<float*, 2> targets{ears[0].data(), ears[1].data()};
-        const std::vector<float*> pointers = test::channelPointers(bus);
+    void start() {
+        script.choose(products());
+        for (const Side& side : sides)
+            side.rig->start(setting.blockSize, setting.sampleRate);
+    }
+
+    std::vector<const Product*> products() const {
+        std::vector<const Product*> all;
+        for (const Side& side : sides)
+            all.push_back(&side.rig->product);
+        return all;
+    }
+
+    void render(Side& side, std::uint64_t frames) {
+        Channels heard = bus;
+        if (side.label == nudged)
+            for (std::vector<float>& channel : heard)
+                for (std::size_t i = 0; i < frames; i += 2)
+                    channel[i] = std::nextafter(channel[i], 0.0f);
+        Channels ears(2, std::vector<float>(frames));
+        const std::vector<float*> targets = test::channelPointers(ears);
+        const std::vector<float*> pointers = test::channelPointers(heard);
         const orvane::SampleBuffer input(pointers.data(), pointers.size(), frames);
         orvane::SampleBuffer output(targets.data(), 2, frames);
-        rigs[index]->engine->process(input, output);
+        side.rig->engine->process(input, output);
         for (std::size_t ear = 0; ear < 2; ++ear)
-            outputs[index][ear].insert(outputs[index][ear].end(), ears[ear].begin(), ears[ear].end());
+            side.output[ear].insert(side.output[ear].end(), ears[ear].begin(), ears[ear].end());
     }
 
+    /// Calls `compare(side, ear, sample, its output, the plain one's)` as long as it returns true.
+    template <typename Compare>
+    void forEachSample(Compare compare) const {
+        for (std::size_t index = 1; index < sides.size(); ++index)
+            for (std::size_t ear = 0; ear < 2; ++ear)
+                for (std::size_t i = 0; i < sides[0].output[ear].size(); ++i)
+                    if (!compare(sides[index], ear, i, sides[index].output[ear][i], sides[0].output[ear][i]))
+                        return;
+    }
+
+    static constexpr const char* nudged = "nudged";
+
     Setting setting;
+    test::EngineRig::Settle settle;
     orvane::TenmarshHrir store;
     test::RenderScript script;
     Channels bus;
-    std::vector<std::unique_ptr<test::EngineRig>> rigs;
-    std::vector<const Product*> products;
-    std::vector<Channels> outputs; ///< As `rigs`; [ear][frame].
-    std::vector<const char*> labels;
+    std::vector<Side> sides; ///< The plain one first.
 };
 
 std::uint32_t seedOf(const Setting& setting) {
@@ -212,23 +250,25 @@ std::vector<Setting> longReverbSettings() {
 class LongReverbs : public ::testing::TestWithParam<Setting> {};
 
 /// Null test against the plain path, of the Scenes as they are. What is left is the rounding of transforms of
-/// other lengths.
-TEST_P(LongReverbs, LeaveAResidueBelowMinus120Decibels) {
+/// other lengths, which lies below -120 dB where it arises, and what the recursive filters behind make of it.
+TEST_P(LongReverbs, LeaveAResidueBelowMinus120DecibelsOrThatOfTheFilters) {
     const std::uint32_t seed = seedOf(GetParam());
     SCOPED_TRACE("seed " + std::to_string(seed));
     SideBySide sides(GetParam(), seed, {});
+    sides.addNudged();
     sides.play();
     sides.expectSmallResidue();
 }
 
 /// The longest response that there is; no Scene has it.
-TEST_P(LongReverbs, OfTheLongestRoomLeaveAResidueBelowMinus120Decibels) {
+TEST_P(LongReverbs, OfTheLongestRoomLeaveAResidueBelowMinus120DecibelsOrThatOfTheFilters) {
     const std::uint32_t seed = seedOf(GetParam()) + 1;
     SCOPED_TRACE("seed " + std::to_string(seed));
     SideBySide sides(GetParam(), seed, [](const Product& product) {
         product.parameterSet->setReverbOn(true, false);
         product.parameterSet->setRoomType(orvane::VirtualAcoustics::Type{28}, false);
     });
+    sides.addNudged();
     sides.play();
     sides.expectSmallResidue();
 }
