@@ -79,8 +79,26 @@ float residue(std::uint64_t blockSize) {
     return difference / peak;
 }
 
-/// "p50", "p99" and "worst": microseconds of a block, warmed up by a whole response; "residueDb": of the fast
-/// path against the plain one.
+/// The largest of the medians that the blocks at one place of the layers' periods have: the worst block without
+/// what other programs do to it.
+double worstPlace(const std::vector<double>& microseconds) {
+    constexpr std::size_t places = 256; // a multiple of all periods
+    double worst = 0;
+    for (std::size_t place = 0; place < places; ++place) {
+        std::vector<double> there;
+        for (std::size_t block = place; block < microseconds.size(); block += places)
+            there.push_back(microseconds[block]);
+        const auto middle = there.begin() + static_cast<std::ptrdiff_t>(there.size() / 2);
+        if (there.size() < 3)
+            return 0;
+        std::nth_element(there.begin(), middle, there.end());
+        worst = std::max(worst, *middle);
+    }
+    return worst;
+}
+
+/// Microseconds of a block, warmed up by a whole response: "p50" to "worst", and "place", see above; "residueDb":
+/// of the fast path against the plain one.
 void longestReverb(benchmark::State& state, RenderPath path) {
     const auto blockSize = static_cast<std::uint64_t>(state.range(0));
     if (path == RenderPath::fast) {
@@ -105,6 +123,7 @@ void longestReverb(benchmark::State& state, RenderPath path) {
         state.SetIterationTime(taken.count() * 1e-6);
         microseconds.push_back(taken.count());
     }
+    state.counters["place"] = worstPlace(microseconds);
     std::ranges::sort(microseconds);
     const auto quantile = [&microseconds](double part) {
         return microseconds[static_cast<std::size_t>(part * static_cast<double>(microseconds.size() - 1))];

@@ -54,10 +54,15 @@ void BinauralReverb::workAhead(std::uint64_t pendingSamples) { convolution->work
 void BinauralReverb::applyGain(SampleBuffer& output) {
     const float target = std::pow(10.0f, view->getReverbGainDb() / 20.0f) *
                          distanceLaw(view->getDistance(), view->getDistanceScale());
+    const float step = target * smoothInput;
+    if (smoothedGain * smoothCoefficient + step == smoothedGain) { // settled: no step moves it any more
+        output.multiplyBy(smoothedGain);
+        return;
+    }
     // Deliberate: the smoother takes a step for each sample of each channel, two in a stereo frame.
     for (std::uint64_t i = 0; i < output.numSamples; ++i) {
         for (std::uint64_t channel = 0; channel < output.numChannels; ++channel) {
-            smoothedGain = smoothedGain * smoothCoefficient + target * smoothInput;
+            smoothedGain = smoothedGain * smoothCoefficient + step;
             output.channelPointers[channel][i] *= smoothedGain;
         }
     }

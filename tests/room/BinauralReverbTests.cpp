@@ -178,6 +178,22 @@ TEST_F(Reverb, TheGainTakesAStepForEachSampleOfEachEar) {
     }
 }
 
+/// Reference: the recursion, far beyond the place where it stands still, and on from there.
+TEST_F(Reverb, ASettledGainGoesOnWithTheBitsOfItsRecursion) {
+    const auto reverb = bare();
+    float gain = 1.0f;
+    for (const float gainDb : {-7.3f, -7.3f, 4.1f, -96.0f, 0.0f}) {
+        parameters.setReverbGainDb(gainDb, false);
+        const auto heard = rendered(*reverb, Signal(60 * blockSize, 1.0f));
+        const float target = std::pow(10.0f, gainDb / 20.0f);
+        for (std::size_t i = 0; i < heard[0].size(); ++i)
+            for (std::size_t ear = 0; ear < 2; ++ear) {
+                gain = gain * 0.99f + target * 0.00999999f;
+                ASSERT_EQ(heard[ear][i], gain) << gainDb << " dB, " << i << ", ear " << ear;
+            }
+    }
+}
+
 TEST_F(Reverb, AStepOfTheTargetMovesTheGainByAHundredthOfTheWay) {
     parameters.setReverbGainDb(0.0f, false);
     const auto reverb = bare();
