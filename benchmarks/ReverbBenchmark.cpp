@@ -16,6 +16,8 @@
 #include <memory>
 #include <vector>
 
+#include <malloc.h>
+
 namespace {
 
 using orvane::RenderPath;
@@ -25,21 +27,26 @@ constexpr double sampleRate = 48000.0;
 constexpr std::uint64_t responseFrames = test::longestReverbFrames;
 constexpr float residueLimit = 1e-6f; // -120 dB of the peak
 
+using orvane::kestrum::core::ReverbProcessor;
+
+std::unique_ptr<ReverbProcessor> makeReverb(const test::Product& product, std::uint64_t blockSize) {
+    product.parameterSet->setReverbOn(true, false);
+    product.parameterSet->setRoomType(orvane::VirtualAcoustics::Type{28}, false);
+    product.parameterSet->setReverbDecayPercent(100.0f, false);
+    return std::make_unique<ReverbProcessor>(sampleRate, blockSize, orvane::ReverbFilterFactory(),
+                                             product.factory, product.parameterSet.get(),
+                                             test::fullReverbFolder());
+}
+
 /// One engine's reverb, fed with noise block by block.
 class LongestReverb {
 public:
     LongestReverb(RenderPath path, std::uint64_t blockSize)
         : product(nullptr, test::fullReverbFolder(), {.path = path}),
+          reverb(makeReverb(product, blockSize)),
+          noise(test::noise(1 << 16, test::Seed{2})),
           input(2, blockSize),
-          output(2, blockSize) {
-        product.parameterSet->setReverbOn(true, false);
-        product.parameterSet->setRoomType(orvane::VirtualAcoustics::Type{28}, false);
-        product.parameterSet->setReverbDecayPercent(100.0f, false);
-        reverb = std::make_unique<orvane::kestrum::core::ReverbProcessor>(
-            sampleRate, blockSize, orvane::ReverbFilterFactory(), product.factory, product.parameterSet.get(),
-            test::fullReverbFolder());
-        noise = test::noise(1 << 16, test::Seed{2});
-    }
+          output(2, blockSize) {}
 
     void feed() {
         for (std::uint64_t i = 0; i < input.numSamples; ++i, ++position) {
@@ -50,7 +57,7 @@ public:
     void render() { reverb->process(input, output); }
 
     test::Product product;
-    std::unique_ptr<orvane::kestrum::core::ReverbProcessor> reverb;
+    std::unique_ptr<ReverbProcessor> reverb;
     test::Signal noise;
     std::uint64_t position = 0;
     SampleBuffer input;
@@ -133,19 +140,34 @@ void longestReverb(benchmark::State& state, RenderPath path) {
     state.counters["p99.9"] = quantile(0.999);
     state.counters["worst"] = quantile(1.0);
 }
-BENCHMARK_CAPTURE(longestReverb, plain, RenderPath::plain)
-    ->Arg(32)
-    ->Arg(64)
-    ->Arg(128)
-    ->Arg(512)
-    ->Arg(2048)
-    ->UseManualTime();
-BENCHMARK_CAPTURE(longestReverb, fast, RenderPath::fast)
-    ->Arg(32)
-    ->Arg(64)
-    ->Arg(128)
-    ->Arg(512)
-    ->Arg(2048)
-    ->UseManualTime();
+void eachBlock(benchmark::internal::Benchmark* run) {
+    run->Arg(32)->Arg(64)->Arg(128)->Arg(512)->Arg(2048)->UseManualTime();
+}
+BENCHMARK_CAPTURE(longestReverb, plain, RenderPath::plain)->Apply(eachBlock);
+BENCHMARK_CAPTURE(longestReverb, fast, RenderPath::fast)->Apply(eachBlock);
+
+/// What the program holds of the heap, in bytes.
+double heldBytes() {
+    const auto info = mallinfo2();
+    return static_cast<double>(info.uordblks + info.hblkhd);
+}
+
+/// The time is that of building a reverb, its file's read included. "alone" and "second": bytes that it holds, and
+/// that one beside it holds more.
+void builtReverb(benchmark::State& state, RenderPath path) {
+    const auto blockSize = static_cast<std::uint64_t>(state.range(0));
+    const test::Product product(nullptr, test::fullReverbFolder(), {.path = path});
+    { const auto planned = makeReverb(product, blockSize); } // the cache of transforms stays
+    const double before = heldBytes();
+    const auto first = makeReverb(product, blockSize);
+    state.counters["alone"] = heldBytes() - before;
+    for (auto _ : state) {
+        const double between = heldBytes();
+        const auto second = makeReverb(product, blockSize);
+        state.counters["second"] = heldBytes() - between;
+    }
+}
+BENCHMARK_CAPTURE(builtReverb, plain, RenderPath::plain)->Arg(32)->Arg(64)->Arg(512);
+BENCHMARK_CAPTURE(builtReverb, fast, RenderPath::fast)->Arg(32)->Arg(64)->Arg(512);
 
 } // namespace

@@ -4,7 +4,6 @@
 #include "base/SampleBuffer.h"
 
 #include <algorithm>
-#include <bit>
 #include <utility>
 
 namespace orvane {
@@ -28,7 +27,7 @@ ConvolutionLayer::ConvolutionLayer(const LayerShape& shape, std::uint64_t blockS
       kernel(kernel),
       terms(shape.partitionCount()),
       window(floats(shape.transformLength)),
-      spectrum(fft::makeAlignedArray<fft::Complex>(binCount)),
+      inputSpectrum(fft::makeAlignedArray<fft::Complex>(binCount)),
       present{floats(shape.partitionLength), floats(shape.partitionLength)},
       next{floats(shape.partitionLength), floats(shape.partitionLength)},
       transform(shape.transformLength) {
@@ -41,12 +40,12 @@ ConvolutionLayer::ConvolutionLayer(const LayerShape& shape, std::uint64_t blockS
     partitions.reserve(shape.partitionCount());
 
     // One transform, the tiles, two transforms.
-    const std::uint64_t transformCost = shape.transformLength * std::bit_width(shape.transformLength) / 5;
-    costs.push_back(transformCost);
+    const std::uint64_t ofTransform = transformCost(shape.transformLength);
+    costs.push_back(ofTransform);
     for (const Tile& tile : tiles)
         costs.push_back(costs.back() + 2 * shape.partitionCount() * tile.binCount);
-    costs.push_back(costs.back() + transformCost);
-    costs.push_back(costs.back() + transformCost);
+    costs.push_back(costs.back() + ofTransform);
+    costs.push_back(costs.back() + ofTransform);
 }
 
 void ConvolutionLayer::replace(const SampleBuffer& impulseResponse, const InputHistory& history) noexcept {
@@ -71,8 +70,10 @@ void ConvolutionLayer::replacePartition(std::uint64_t partition,
         silent = silent && std::all_of(samples, samples + count, [](float sample) { return sample == 0.0f; });
         std::copy_n(samples, count, window.get());
         std::fill_n(window.get() + count, shape.transformLength - count, 0.0f);
-        transform.forward(window.get(), spectrum.get());
-        scatter(spectrum.get(), responseSpectra.get(), 2 * partition + ear, 2 * shape.partitionCount());
+        transform.forward(window.get(), sums[0].get());
+        for (std::uint64_t tile = 0; tile < tiles.size(); ++tile)
+            std::copy_n(sums[0].get() + tiles[tile].firstBin, tiles[tile].binCount,
+                        responsesOf(tile) + (2 * partition + ear) * tileBins);
     }
     if (!silent)
         partitions.push_back(partition);
@@ -98,7 +99,7 @@ void ConvolutionLayer::doPiece(std::uint64_t piece, const InputHistory& history)
     if (piece == 0)
         transformInput(history);
     else if (piece <= tiles.size())
-        sumTile(piece - 1, newestSlot);
+        takeAndSumTile(piece - 1);
     else
         transformBack(piece - tiles.size() - 1, next[piece - tiles.size() - 1].get());
 }
@@ -108,14 +109,18 @@ void ConvolutionLayer::transformInput(const InputHistory& history) noexcept {
     const std::uint64_t unused = shape.transformLength - used;
     std::fill_n(window.get(), unused, 0.0f);
     history.copyBefore(windowEnd, delay, window.get() + unused, used);
-    transform.forward(window.get(), spectrum.get());
-    scatter(spectrum.get(), inputSpectra.get(), newestSlot, inputSlots);
+    transform.forward(window.get(), inputSpectrum.get());
+}
+
+void ConvolutionLayer::takeAndSumTile(std::uint64_t tile) noexcept {
+    std::copy_n(inputSpectrum.get() + tiles[tile].firstBin, tiles[tile].binCount,
+                inputsOf(tile) + newestSlot * tileBins);
+    sumTile(tile, newestSlot);
 }
 
 void ConvolutionLayer::sumTile(std::uint64_t tile, std::uint64_t newest) noexcept {
-    const fft::Complex* const inputs = inputSpectra.get() + tile * inputSlots * tileBins;
-    const fft::Complex* const responses =
-        responseSpectra.get() + tile * 2 * shape.partitionCount() * tileBins;
+    const fft::Complex* const inputs = inputsOf(tile);
+    const fft::Complex* const responses = responsesOf(tile);
     for (std::uint64_t i = 0; i < partitions.size(); ++i) {
         const std::uint64_t partition = partitions[i];
         const std::uint64_t slot = newest >= partition ? newest - partition : newest + inputSlots - partition;
@@ -137,11 +142,12 @@ void ConvolutionLayer::transformBack(std::uint64_t ear, float* target) noexcept 
         target[i] = scale * valid[i];
 }
 
-void ConvolutionLayer::scatter(const fft::Complex* values, fft::Complex* tiled, std::uint64_t slot,
-                               std::uint64_t slots) const noexcept {
-    for (std::uint64_t tile = 0; tile < tiles.size(); ++tile)
-        std::copy_n(values + tiles[tile].firstBin, tiles[tile].binCount,
-                    tiled + (tile * slots + slot) * tileBins);
+fft::Complex* ConvolutionLayer::inputsOf(std::uint64_t tile) const noexcept {
+    return inputSpectra.get() + tile * inputSlots * tileBins;
+}
+
+fft::Complex* ConvolutionLayer::responsesOf(std::uint64_t tile) const noexcept {
+    return responseSpectra.get() + tile * 2 * shape.partitionCount() * tileBins;
 }
 
 } // namespace orvane

@@ -66,10 +66,11 @@ private:
                           const SampleBuffer& impulseResponse) noexcept ORVANE_REALTIME;
     void doPiece(std::uint64_t piece, const InputHistory& history) noexcept ORVANE_REALTIME;
     void transformInput(const InputHistory& history) noexcept ORVANE_REALTIME;
+    void takeAndSumTile(std::uint64_t tile) noexcept ORVANE_REALTIME;
     void sumTile(std::uint64_t tile, std::uint64_t newest) noexcept ORVANE_REALTIME;
     void transformBack(std::uint64_t ear, float* target) noexcept ORVANE_REALTIME;
-    void scatter(const fft::Complex* spectrum, fft::Complex* tiled, std::uint64_t slot,
-                 std::uint64_t slots) const noexcept ORVANE_REALTIME;
+    fft::Complex* inputsOf(std::uint64_t tile) const noexcept ORVANE_REALTIME;
+    fft::Complex* responsesOf(std::uint64_t tile) const noexcept ORVANE_REALTIME;
 
     LayerShape shape;
     std::uint64_t blockSize;
@@ -85,11 +86,12 @@ private:
     std::vector<SpectrumTerm> terms;                     ///< [partitions]
     std::array<fft::AlignedArray<fft::Complex>, 2> sums; ///< [binCount] for each ear.
     fft::AlignedArray<float> window;                     ///< [transformLength]
-    fft::AlignedArray<fft::Complex> spectrum;            ///< [binCount]
-    Ears present;                                        ///< [partitionLength], being heard.
-    Ears next;                                           ///< [partitionLength], of the period's work.
-    std::uint64_t newestSlot = 0;                        ///< Of the period's window.
-    std::uint64_t windowEnd = 0;                         ///< Position in the history.
+    fft::AlignedArray<fft::Complex>
+        inputSpectrum;            ///< [binCount], of the period's window; tiles take it over.
+    Ears present;                 ///< [partitionLength], being heard.
+    Ears next;                    ///< [partitionLength], of the period's work.
+    std::uint64_t newestSlot = 0; ///< Of the period's window.
+    std::uint64_t windowEnd = 0;  ///< Position in the history.
     std::uint64_t blockInPeriod = 0;
     std::uint64_t piecesDone = 0;
     fft::RealTransform transform;

@@ -3,8 +3,6 @@
 
 #include <algorithm>
 #include <bit>
-#include <cmath>
-#include <limits>
 
 namespace orvane {
 
@@ -21,21 +19,14 @@ std::uint64_t fastLength(std::uint64_t least) noexcept {
     return best;
 }
 
-/// Costs are counted in complex products with their sums.
-///
-/// Source  measured: 0.06 ns per length and octave of a transform, 0.3 ns per product.
-double transformCost(std::uint64_t length) noexcept {
-    const auto samples = static_cast<double>(length);
-    return 0.2 * samples * std::log2(samples);
-}
-
+/// In complex products with their sums, as transformCost().
 double headCost(std::uint64_t blockSize, std::uint64_t partitions) noexcept {
     return 2.0 * static_cast<double>(partitions) * static_cast<double>(blockSize + 1);
 }
 
 /// Mean and worst block together: of a layer's work one transform is the largest piece that does not divide.
 double layerCost(const LayerShape& layer, std::uint64_t blockSize) noexcept {
-    const double transform = transformCost(layer.transformLength);
+    const auto transform = static_cast<double>(transformCost(layer.transformLength));
     const double products =
         static_cast<double>(layer.partitionCount()) * static_cast<double>(layer.transformLength);
     const double perBlock = (products + 3.0 * transform) * static_cast<double>(blockSize) /

@@ -3,6 +3,7 @@
 
 #include "binaural/BandLimit.h"
 
+#include <bit>
 #include <cstdint>
 #include <vector>
 
@@ -28,6 +29,13 @@ struct LayerPlan {
     std::uint64_t headPartitions;   ///< All of them if no layer pays.
     std::vector<LayerShape> layers; ///< Up to two, by their place in the response.
 };
+
+/// What a real transform of one length costs, in complex products with their sums.
+///
+/// Source  measured: 0.09 ns per sample and octave with the copies around it, 0.3 ns per product.
+constexpr std::uint64_t transformCost(std::uint64_t length) noexcept {
+    return length * (static_cast<std::uint64_t>(std::bit_width(length)) - 1) * 3 / 10;
+}
 
 /// Chooses what makes mean and worst block cheapest; the same on every machine, since results depend on it.
 ///
