@@ -104,6 +104,38 @@ double worstPlace(const std::vector<double>& microseconds) {
     return worst;
 }
 
+/// The times of all host calls, and what is told of them.
+class CallTimes {
+public:
+    CallTimes() { microseconds.reserve(1 << 20); }
+
+    /// @return seconds.
+    template <typename Work>
+    double take(Work work) {
+        const auto start = std::chrono::steady_clock::now();
+        work();
+        const std::chrono::duration<double, std::micro> taken = std::chrono::steady_clock::now() - start;
+        microseconds.push_back(taken.count());
+        return taken.count() * 1e-6;
+    }
+
+    void report(benchmark::State& state) {
+        state.counters["place"] = worstPlace(microseconds);
+        std::ranges::sort(microseconds);
+        const auto quantile = [this](double part) {
+            return microseconds[static_cast<std::size_t>(part *
+                                                         static_cast<double>(microseconds.size() - 1))];
+        };
+        state.counters["p50"] = quantile(0.5);
+        state.counters["p99"] = quantile(0.99);
+        state.counters["p99.9"] = quantile(0.999);
+        state.counters["worst"] = quantile(1.0);
+    }
+
+private:
+    std::vector<double> microseconds;
+};
+
 /// Microseconds of a block, warmed up by a whole response: "p50" to "worst", and "place", see above; "residueDb":
 /// of the fast path against the plain one.
 void longestReverb(benchmark::State& state, RenderPath path) {
@@ -119,32 +151,41 @@ void longestReverb(benchmark::State& state, RenderPath path) {
         reverb.feed();
         reverb.render();
     }
-    std::vector<double> microseconds;
-    microseconds.reserve(1 << 20);
+    CallTimes times;
     const bench::ShareOfRealTime share(state, state.range(0), sampleRate);
     for (auto _ : state) {
         reverb.feed();
-        const auto start = std::chrono::steady_clock::now();
-        reverb.render();
-        const std::chrono::duration<double, std::micro> taken = std::chrono::steady_clock::now() - start;
-        state.SetIterationTime(taken.count() * 1e-6);
-        microseconds.push_back(taken.count());
+        state.SetIterationTime(times.take([&reverb] { reverb.render(); }));
     }
-    state.counters["place"] = worstPlace(microseconds);
-    std::ranges::sort(microseconds);
-    const auto quantile = [&microseconds](double part) {
-        return microseconds[static_cast<std::size_t>(part * static_cast<double>(microseconds.size() - 1))];
-    };
-    state.counters["p50"] = quantile(0.5);
-    state.counters["p99"] = quantile(0.99);
-    state.counters["p99.9"] = quantile(0.999);
-    state.counters["worst"] = quantile(1.0);
+    times.report(state);
 }
 void eachBlock(benchmark::internal::Benchmark* run) {
     run->Arg(32)->Arg(64)->Arg(128)->Arg(512)->Arg(2048)->UseManualTime();
 }
 BENCHMARK_CAPTURE(longestReverb, plain, RenderPath::plain)->Apply(eachBlock);
 BENCHMARK_CAPTURE(longestReverb, fast, RenderPath::fast)->Apply(eachBlock);
+
+/// A host that sends an eighth of a block per call: the figures are those of a call, of which every eighth renders.
+void eighthsOfABlock(benchmark::State& state) {
+    const auto blockSize = static_cast<std::uint64_t>(state.range(0));
+    LongestReverb reverb(RenderPath::fast, blockSize);
+    CallTimes times;
+    std::uint64_t call = 0;
+    const bench::ShareOfRealTime share(state, state.range(0) / 8, sampleRate);
+    for (auto _ : state) {
+        const std::uint64_t pending = ++call % 8 * blockSize / 8;
+        if (pending == 0)
+            reverb.feed();
+        state.SetIterationTime(times.take([&reverb, pending] {
+            if (pending == 0)
+                reverb.render();
+            else
+                reverb.reverb->workAhead(pending);
+        }));
+    }
+    times.report(state);
+}
+BENCHMARK(eighthsOfABlock)->Arg(512)->Arg(2048)->UseManualTime();
 
 /// What the program holds of the heap, in bytes.
 double heldBytes() {

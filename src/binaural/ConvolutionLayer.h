@@ -86,12 +86,11 @@ private:
     std::vector<SpectrumTerm> terms;                     ///< [partitions]
     std::array<fft::AlignedArray<fft::Complex>, 2> sums; ///< [binCount] for each ear.
     fft::AlignedArray<float> window;                     ///< [transformLength]
-    fft::AlignedArray<fft::Complex>
-        inputSpectrum;            ///< [binCount], of the period's window; tiles take it over.
-    Ears present;                 ///< [partitionLength], being heard.
-    Ears next;                    ///< [partitionLength], of the period's work.
-    std::uint64_t newestSlot = 0; ///< Of the period's window.
-    std::uint64_t windowEnd = 0;  ///< Position in the history.
+    fft::AlignedArray<fft::Complex> inputSpectrum;       ///< [binCount], of the window.
+    Ears present;                                        ///< [partitionLength], being heard.
+    Ears next;                                           ///< [partitionLength], of the period's work.
+    std::uint64_t newestSlot = 0;                        ///< Of the period's window.
+    std::uint64_t windowEnd = 0;                         ///< Position in the history.
     std::uint64_t blockInPeriod = 0;
     std::uint64_t piecesDone = 0;
     fft::RealTransform transform;
