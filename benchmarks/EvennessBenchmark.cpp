@@ -145,14 +145,16 @@ void report(const Results& results, const EngineChoice& choice, const Motion& mo
                          {"wallP999", summary.wall.p999},
                          {"wallWorst", summary.wall.worst},
                          {"wallWorstOfAll", summary.worstWallOfAll}});
-    if (fast && longest) {
-        results.goal("evenness-mean-" + block + "-" + motion.key, 100 * summary.thread.mean);
-        results.goal("evenness-worst-" + block + "-" + motion.key, 100 * summary.thread.worst);
+    if (!fast)
+        return;
+    const std::string figure = block + (longest ? "-longest-" : "-club-") + motion.key;
+    results.goal("evenness-mean-" + figure, 100 * summary.thread.mean);
+    results.goal("evenness-worst-" + figure, 100 * summary.thread.worst);
+    if (longest)
         results.plot("evenness-" + block,
                      "\"" + std::string(motion.name) + "\" " + percent(summary.thread.p50) + " " +
                          percent(summary.thread.p99) + " " + percent(summary.thread.p999) + " " +
                          percent(summary.thread.worst));
-    }
 }
 
 void run(const Results& results) {
