@@ -2,88 +2,171 @@
 #include "binaural/fft/RealTransform.h"
 
 #include "binaural/fft/AlignedArray.h"
-
-#include <fftw3.h>
+#include "binaural/fft/ChirpTransform.h"
+#include "binaural/fft/Plans.h"
 
 #include <algorithm>
-#include <bit>
 #include <cmath>
-#include <cstdint>
-#include <map>
-#include <mutex>
-#include <new>
 #include <numbers>
-#include <utility>
 
 namespace orvane::fft {
 
-static_assert(sizeof(Complex) == sizeof(fftwf_complex));
+class RealTransform::Method {
+public:
+    virtual ~Method() = default;
+    virtual void forward(const float* time, Complex* spectrum) noexcept ORVANE_REALTIME = 0;
+    virtual void backward(const Complex* spectrum, float* time) noexcept ORVANE_REALTIME = 0;
+    virtual void backwardConsuming(Complex* spectrum, float* time) noexcept ORVANE_REALTIME {
+        backward(spectrum, time);
+    }
+};
 
 namespace {
 
-enum class PlanKind { realForward, realBackward, complexForward, complexBackward };
-
-fftwf_complex* native(Complex* values) noexcept { return reinterpret_cast<fftwf_complex*>(values); }
-
-/// Every plan of the module. The library's planner is not thread-safe, and plans may be run by any thread
-/// once made, so there is one cache behind one mutex; it is emptied when the module is unloaded.
-class PlanCache {
+/// The library's own transform. Memory that it could not run on goes through scratch, so that any gives the
+/// same bits.
+class DirectMethod final : public RealTransform::Method {
 public:
-    static PlanCache& instance() {
-        static PlanCache cache;
-        return cache;
+    explicit DirectMethod(std::size_t samples)
+        : length(samples),
+          binCount(samples / 2 + 1),
+          timeScratch(makeAlignedArray<float>(length)),
+          spectrumScratch(makeAlignedArray<Complex>(binCount)),
+          forwardPlan(planFor(PlanKind::realForward, length)),
+          backwardPlan(planFor(PlanKind::realBackward, length)) {}
+
+    void forward(const float* time, Complex* spectrum) noexcept override {
+        float* input = timeScratch.get();
+        if (fitsPlans(time))
+            input = const_cast<float*>(time); // which this direction only reads
+        else
+            std::copy_n(time, length, input);
+        if (fitsPlans(spectrum)) {
+            forwardPlan.run(input, spectrum);
+        } else {
+            forwardPlan.run(input, spectrumScratch.get());
+            std::copy_n(spectrumScratch.get(), binCount, spectrum);
+        }
     }
 
-    PlanCache(const PlanCache&) = delete;
-    PlanCache& operator=(const PlanCache&) = delete;
+    void backward(const Complex* spectrum, float* time) noexcept override {
+        std::copy_n(spectrum, binCount, spectrumScratch.get());
+        runBackward(spectrumScratch.get(), time);
+    }
 
-    fftwf_plan get(PlanKind kind, std::size_t length) {
-        const std::lock_guard lock(mutex);
-        fftwf_plan& plan = plans[{kind, length}];
-        if (plan == nullptr)
-            plan = make(kind, length);
-        return plan;
+    void backwardConsuming(Complex* spectrum, float* time) noexcept override {
+        if (fitsPlans(spectrum))
+            runBackward(spectrum, time);
+        else
+            backward(spectrum, time);
     }
 
 private:
-    PlanCache() = default;
-    ~PlanCache() {
-        for (const auto& [key, plan] : plans)
-            fftwf_destroy_plan(plan);
-        fftwf_cleanup(); // the planner's own tables, which would outlive a module that is unloaded
-    }
-
-    /// Planned on aligned memory, as every transform runs on such; estimated, not measured, so that the same
-    /// length gives the same bits on every run.
-    static fftwf_plan make(PlanKind kind, std::size_t length) {
-        const auto time = makeAlignedArray<float>(length);
-        const auto first = makeAlignedArray<Complex>(length);
-        const auto second = makeAlignedArray<Complex>(length);
-        const int n = static_cast<int>(length);
-        fftwf_plan plan = nullptr;
-        switch (kind) {
-        case PlanKind::realForward:
-            plan = fftwf_plan_dft_r2c_1d(n, time.get(), native(first.get()), FFTW_ESTIMATE);
-            break;
-        case PlanKind::realBackward:
-            plan = fftwf_plan_dft_c2r_1d(n, native(first.get()), time.get(), FFTW_ESTIMATE);
-            break;
-        case PlanKind::complexForward:
-            plan =
-                fftwf_plan_dft_1d(n, native(first.get()), native(second.get()), FFTW_FORWARD, FFTW_ESTIMATE);
-            break;
-        case PlanKind::complexBackward:
-            plan =
-                fftwf_plan_dft_1d(n, native(first.get()), native(second.get()), FFTW_BACKWARD, FFTW_ESTIMATE);
-            break;
+    void runBackward(Complex* spectrum, float* time) noexcept {
+        if (fitsPlans(time)) {
+            backwardPlan.run(spectrum, time);
+        } else {
+            backwardPlan.run(spectrum, timeScratch.get());
+            std::copy_n(timeScratch.get(), length, time);
         }
-        if (plan == nullptr)
-            throw std::bad_alloc();
-        return plan;
     }
 
-    std::mutex mutex;
-    std::map<std::pair<PlanKind, std::size_t>, fftwf_plan> plans;
+    std::size_t length;
+    std::size_t binCount;
+    AlignedArray<float> timeScratch;
+    AlignedArray<Complex> spectrumScratch;
+    Plan forwardPlan;
+    Plan backwardPlan;
+};
+
+/// An even length: even samples as real and odd ones as imaginary parts of half as many values, whose
+/// transform Z is taken apart again,
+///     X[k] = E[k] + w^k O[k], E[k] = (Z[k] + Z*[h-k]) / 2, O[k] = (Z[k] - Z*[h-k]) / 2i, w = exp(-i pi / h),
+/// and put together for the way back.
+class EvenChirpMethod final : public RealTransform::Method {
+public:
+    explicit EvenChirpMethod(std::size_t samples)
+        : half(samples / 2), twiddles(makeAlignedArray<Complex>(half)), chirp(half) {
+        // w^k / 2i: factors of the way there, whose conjugates times 2 are those of the way back.
+        for (std::size_t k = 0; k < half; ++k) {
+            const double angle = std::numbers::pi * static_cast<double>(k) / static_cast<double>(half);
+            twiddles[k] = {static_cast<float>(-0.5 * std::sin(angle)),
+                           static_cast<float>(-0.5 * std::cos(angle))};
+        }
+    }
+
+    void forward(const float* time, Complex* spectrum) noexcept override {
+        Complex* const z = chirp.values();
+        for (std::size_t m = 0; m < half; ++m)
+            z[m] = {time[2 * m], time[2 * m + 1]};
+        chirp.transform();
+        spectrum[0] = {z[0].re + z[0].im, 0};
+        spectrum[half] = {z[0].re - z[0].im, 0};
+        for (std::size_t k = 1; k < half; ++k) {
+            const Complex a = z[k];
+            const Complex b = z[half - k];
+            const Complex t = twiddles[k];
+            const Complex difference{a.re - b.re, a.im + b.im};
+            spectrum[k] = {0.5f * (a.re + b.re) + (difference.re * t.re - difference.im * t.im),
+                           0.5f * (a.im - b.im) + (difference.re * t.im + difference.im * t.re)};
+        }
+    }
+
+    /// The inverse transform is the forward one of the conjugates, conjugated.
+    void backward(const Complex* spectrum, float* time) noexcept override {
+        Complex* const z = chirp.values();
+        z[0] = {spectrum[0].re + spectrum[half].re, spectrum[half].re - spectrum[0].re};
+        for (std::size_t k = 1; k < half; ++k) {
+            const Complex a = spectrum[k];
+            const Complex b = spectrum[half - k];
+            const Complex t = twiddles[k];
+            const Complex twice{2.0f * (a.re - b.re), 2.0f * (a.im + b.im)};
+            // Conjugate of (a + b*) + (a - b*) 2 t*, where i w^-k = 2 t*.
+            z[k] = {(a.re + b.re) + (twice.re * t.re + twice.im * t.im),
+                    (b.im - a.im) + (twice.re * t.im - twice.im * t.re)};
+        }
+        chirp.transform();
+        for (std::size_t m = 0; m < half; ++m) {
+            time[2 * m] = z[m].re;
+            time[2 * m + 1] = -z[m].im;
+        }
+    }
+
+private:
+    std::size_t half;
+    AlignedArray<Complex> twiddles; ///< [half]
+    ChirpTransform chirp;
+};
+
+/// An odd length, which no block of a host leads to.
+class OddChirpMethod final : public RealTransform::Method {
+public:
+    explicit OddChirpMethod(std::size_t samples) : length(samples), chirp(samples) {}
+
+    void forward(const float* time, Complex* spectrum) noexcept override {
+        Complex* const z = chirp.values();
+        for (std::size_t n = 0; n < length; ++n)
+            z[n] = {time[n], 0};
+        chirp.transform();
+        std::copy_n(z, length / 2 + 1, spectrum);
+    }
+
+    /// The inverse transform is the forward one of the conjugates, of which only the real part is wanted.
+    void backward(const Complex* spectrum, float* time) noexcept override {
+        Complex* const z = chirp.values();
+        z[0] = {spectrum[0].re, 0};
+        for (std::size_t k = 1; k < length / 2 + 1; ++k) {
+            z[length - k] = spectrum[k];
+            z[k] = {spectrum[k].re, -spectrum[k].im};
+        }
+        chirp.transform();
+        for (std::size_t n = 0; n < length; ++n)
+            time[n] = z[n].re;
+    }
+
+private:
+    std::size_t length;
+    ChirpTransform chirp;
 };
 
 std::size_t largestPrimeFactor(std::size_t number) noexcept {
@@ -97,139 +180,6 @@ std::size_t largestPrimeFactor(std::size_t number) noexcept {
     return std::max(largest, number);
 }
 
-Complex product(Complex a, Complex b) noexcept {
-    return {a.re * b.re - a.im * b.im, a.re * b.im + a.im * b.re};
-}
-
-} // namespace
-
-class RealTransform::Method {
-public:
-    virtual ~Method() = default;
-    virtual void forward(const float* time, Complex* spectrum) noexcept ORVANE_REALTIME = 0;
-    virtual void backward(const Complex* spectrum, float* time) noexcept ORVANE_REALTIME = 0;
-};
-
-namespace {
-
-bool isAligned(const void* memory) noexcept {
-    return reinterpret_cast<std::uintptr_t>(memory) % alignment == 0;
-}
-
-/// The library's own transform, through aligned scratch where the caller's memory is not aligned.
-class DirectMethod final : public RealTransform::Method {
-public:
-    explicit DirectMethod(std::size_t samples)
-        : length(samples),
-          binCount(samples / 2 + 1),
-          timeScratch(makeAlignedArray<float>(length)),
-          spectrumScratch(makeAlignedArray<Complex>(binCount)),
-          forwardPlan(PlanCache::instance().get(PlanKind::realForward, length)),
-          backwardPlan(PlanCache::instance().get(PlanKind::realBackward, length)) {}
-
-    void forward(const float* time, Complex* spectrum) noexcept override {
-        float* source = timeScratch.get();
-        if (isAligned(time))
-            source = const_cast<float*>(time); // out of place, the library leaves it alone
-        else
-            std::copy_n(time, length, source);
-        const bool direct = isAligned(spectrum);
-        Complex* const target = direct ? spectrum : spectrumScratch.get();
-        fftwf_execute_dft_r2c(forwardPlan, source, native(target));
-        if (!direct)
-            std::copy_n(target, binCount, spectrum);
-    }
-
-    void backward(const Complex* spectrum, float* time) noexcept override {
-        std::copy_n(spectrum, binCount, spectrumScratch.get()); // the library overwrites its input
-        const bool direct = isAligned(time);
-        float* const target = direct ? time : timeScratch.get();
-        fftwf_execute_dft_c2r(backwardPlan, native(spectrumScratch.get()), target);
-        if (!direct)
-            std::copy_n(target, length, time);
-    }
-
-private:
-    std::size_t length;
-    std::size_t binCount;
-    AlignedArray<float> timeScratch;
-    AlignedArray<Complex> spectrumScratch;
-    fftwf_plan forwardPlan;
-    fftwf_plan backwardPlan;
-};
-
-/// Any length as a circular convolution with a chirp, whose length is a power of two.
-class ChirpMethod final : public RealTransform::Method {
-public:
-    explicit ChirpMethod(std::size_t samples)
-        : length(samples),
-          paddedLength(std::bit_ceil(2 * samples - 1)),
-          chirp(makeAlignedArray<Complex>(length)),
-          chirpSpectrum(makeAlignedArray<Complex>(paddedLength)),
-          work(makeAlignedArray<Complex>(paddedLength)),
-          workSpectrum(makeAlignedArray<Complex>(paddedLength)),
-          forwardPlan(PlanCache::instance().get(PlanKind::complexForward, paddedLength)),
-          backwardPlan(PlanCache::instance().get(PlanKind::complexBackward, paddedLength)) {
-        // exp(-i pi n^2 / length); the square is reduced first, so that the angle stays exact.
-        for (std::size_t n = 0; n < length; ++n) {
-            const auto reduced = static_cast<double>(n * n % (2 * length));
-            const double angle = std::numbers::pi * reduced / static_cast<double>(length);
-            chirp[n] = {static_cast<float>(std::cos(angle)), static_cast<float>(-std::sin(angle))};
-        }
-        // The inverse transform's scale goes into the chirp's spectrum.
-        const float scale = 1.0f / static_cast<float>(paddedLength);
-        for (std::size_t n = 0; n < length; ++n) {
-            const Complex conjugate{chirp[n].re * scale, -chirp[n].im * scale};
-            work[n] = conjugate;
-            if (n > 0)
-                work[paddedLength - n] = conjugate;
-        }
-        fftwf_execute_dft(forwardPlan, native(work.get()), native(chirpSpectrum.get()));
-        std::fill_n(work.get(), paddedLength, Complex{0, 0});
-    }
-
-    void forward(const float* time, Complex* spectrum) noexcept override {
-        for (std::size_t n = 0; n < length; ++n)
-            work[n] = {time[n] * chirp[n].re, time[n] * chirp[n].im};
-        convolveWithChirp();
-        for (std::size_t k = 0; k < length / 2 + 1; ++k)
-            spectrum[k] = product(work[k], chirp[k]);
-    }
-
-    /// The inverse is the forward transform of the conjugated spectrum, of which only the real part is
-    /// wanted.
-    void backward(const Complex* spectrum, float* time) noexcept override {
-        work[0] = product({spectrum[0].re, 0}, chirp[0]);
-        for (std::size_t k = 1; k < length / 2 + 1; ++k) {
-            work[length - k] = product(spectrum[k], chirp[length - k]);
-            work[k] = product({spectrum[k].re, -spectrum[k].im}, chirp[k]);
-        }
-        if (length % 2 == 0)
-            work[length / 2] = product({spectrum[length / 2].re, 0}, chirp[length / 2]);
-        convolveWithChirp();
-        for (std::size_t n = 0; n < length; ++n)
-            time[n] = product(work[n], chirp[n]).re;
-    }
-
-private:
-    void convolveWithChirp() noexcept {
-        std::fill_n(work.get() + length, paddedLength - length, Complex{0, 0});
-        fftwf_execute_dft(forwardPlan, native(work.get()), native(workSpectrum.get()));
-        for (std::size_t k = 0; k < paddedLength; ++k)
-            workSpectrum[k] = product(workSpectrum[k], chirpSpectrum[k]);
-        fftwf_execute_dft(backwardPlan, native(workSpectrum.get()), native(work.get()));
-    }
-
-    std::size_t length;
-    std::size_t paddedLength;
-    AlignedArray<Complex> chirp;         ///< [length]
-    AlignedArray<Complex> chirpSpectrum; ///< [paddedLength], of the conjugate chirp, scaled.
-    AlignedArray<Complex> work;          ///< [paddedLength]
-    AlignedArray<Complex> workSpectrum;  ///< [paddedLength]
-    fftwf_plan forwardPlan;
-    fftwf_plan backwardPlan;
-};
-
 /// Lengths that the library runs without allocating, found by running them: even ones without a prime factor
 /// above 13. Odd ones with several factors allocate, however small the factors.
 bool runsDirectly(std::size_t length) noexcept { return length % 2 == 0 && largestPrimeFactor(length) <= 13; }
@@ -239,8 +189,10 @@ bool runsDirectly(std::size_t length) noexcept { return length % 2 == 0 && large
 RealTransform::RealTransform(std::size_t length) {
     if (runsDirectly(length))
         method = std::make_unique<DirectMethod>(length);
+    else if (length % 2 == 0)
+        method = std::make_unique<EvenChirpMethod>(length);
     else
-        method = std::make_unique<ChirpMethod>(length);
+        method = std::make_unique<OddChirpMethod>(length);
 }
 
 RealTransform::~RealTransform() = default;
@@ -251,6 +203,10 @@ void RealTransform::forward(const float* time, Complex* spectrum) noexcept {
 
 void RealTransform::backward(const Complex* spectrum, float* time) noexcept {
     method->backward(spectrum, time);
+}
+
+void RealTransform::backwardConsuming(Complex* spectrum, float* time) noexcept {
+    method->backwardConsuming(spectrum, time);
 }
 
 } // namespace orvane::fft

@@ -11,16 +11,16 @@ namespace orvane::fft {
 
 /// Discrete Fourier transform of real signals of one fixed, arbitrary length, in single precision.
 ///
-/// Shape   time [length]; spectrum [length / 2 + 1], bin 0 to the middle, unpacked; any alignment, which
-///         changes no bit, though memory aligned to `alignment` saves copies.
+/// Shape   time [length]; spectrum [length / 2 + 1], bin 0 to the middle, unpacked. Any alignment gives the same
+///         bits; memory that starts at a cache line saves copies.
 /// Units   both directions are unscaled: there and back multiplies by `length`.
 /// Thread  made and destroyed on threads that may wait (plans are shared behind one mutex of the module);
 ///         forward() and backward() on one thread at a time per object: no allocation, no lock up to a
 ///         length of 131072, far above any block of a host.
 /// Errors  std::bad_alloc at construction only.
-/// Source  odd lengths and those with a prime factor above 13, for which the library would allocate while
-///         it runs, go through the chirp-z transform: L. Bluestein, "A linear filtering approach to the
-///         computation of discrete Fourier transform", IEEE Trans. Audio Electroacoust. 18, 1970.
+///
+/// Odd lengths and those with a prime factor above 13, for which the library would allocate while it runs, go
+/// through ChirpTransform.
 class RealTransform {
 public:
     /// @param length samples, 1 or more.
@@ -33,6 +33,9 @@ public:
 
     /// Reads no imaginary part of bin 0 and, for an even length, of the last bin.
     void backward(const Complex* spectrum, float* time) noexcept ORVANE_REALTIME;
+
+    /// As backward(), to the bit, but leaves anything in `spectrum`, which saves a copy of it.
+    void backwardConsuming(Complex* spectrum, float* time) noexcept ORVANE_REALTIME;
 
     class Method;
 
