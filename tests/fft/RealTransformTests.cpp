@@ -39,10 +39,10 @@ class TransformLengths : public ::testing::TestWithParam<std::size_t> {};
 
 INSTANTIATE_TEST_SUITE_P(EvenSmoothOnes, TransformLengths,
                          ::testing::Values(2, 4, 8, 26, 64, 120, 126, 128, 140, 256, 312, 882, 960, 1024,
-                                           1026, 2002, 4096));
+                                           2002, 4096));
 INSTANTIATE_TEST_SUITE_P(OddOnes, TransformLengths, ::testing::Values(1, 3, 5, 13, 21, 45, 143, 997, 4095));
 INSTANTIATE_TEST_SUITE_P(OnesWithALargePrimeFactor, TransformLengths,
-                         ::testing::Values(34, 38, 254, 278, 556, 1018, 1112, 2018, 2224, 4054));
+                         ::testing::Values(34, 38, 254, 278, 556, 1018, 1026, 1112, 2018, 2224, 4054));
 
 TEST_P(TransformLengths, ForwardAgreesWithTheDefinition) {
     const std::size_t length = GetParam();
