@@ -108,8 +108,8 @@ void FastConvolution::addTerms(Sums& sums, std::uint64_t first, std::uint64_t la
     kernel.addTerms(sums.get(), sums.get() + slotStride, terms.data() + first, last - first, blockSize + 1);
 }
 
-SampleSpan FastConvolution::transformBack(const Sums& sums, std::uint64_t ear) noexcept {
-    transform.backward(sums.get() + ear * slotStride, timeResult.get());
+SampleSpan FastConvolution::transformBack(Sums& sums, std::uint64_t ear) noexcept {
+    transform.backwardConsuming(sums.get() + ear * slotStride, timeResult.get());
     return {timeResult.get() + blockSize, blockSize}; // the half that no circular wrap has reached
 }
 

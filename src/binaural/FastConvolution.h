@@ -52,7 +52,7 @@ private:
     void aimTerms() noexcept ORVANE_REALTIME;
     std::uint64_t termsBefore(std::uint64_t slot) const noexcept ORVANE_REALTIME;
     void addTerms(Sums& sums, std::uint64_t first, std::uint64_t last) noexcept ORVANE_REALTIME;
-    SampleSpan transformBack(const Sums& sums, std::uint64_t ear) noexcept ORVANE_REALTIME;
+    SampleSpan transformBack(Sums& sums, std::uint64_t ear) noexcept ORVANE_REALTIME;
 
     std::uint64_t blockSize;
     std::uint64_t partitionCount;
