@@ -6,6 +6,7 @@
 #include "Results.h"
 #include "support/FlushDenormals.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
@@ -65,9 +66,8 @@ struct Summary {
 
 Distribution medianOf(const std::vector<Distribution>& runs) {
     const auto of = [&](double Distribution::*figure) {
-        std::vector<double> values;
-        for (const Distribution& run : runs)
-            values.push_back(run.*figure);
+        std::vector<double> values(runs.size());
+        std::ranges::transform(runs, values.begin(), figure);
         return bench::median(values);
     };
     return {of(&Distribution::mean), of(&Distribution::p50), of(&Distribution::p99), of(&Distribution::p999),

@@ -40,9 +40,9 @@ double cost(const EngineChoice& choice, HeadAndRooms& data) {
     bench::expectSoundOfPlainPath(choice, data);
     EngineRun run(choice, data);
     run.share(0.2);
-    std::vector<double> shares;
-    for (int i = 0; i < repetitions; ++i)
-        shares.push_back(run.share(fastSeconds));
+    std::vector<double> shares(repetitions);
+    for (double& share : shares)
+        share = run.share(fastSeconds);
     return bench::median(shares);
 }
 

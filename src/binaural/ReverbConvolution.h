@@ -58,7 +58,7 @@ private:
     void replaceAndDeliver(const SampleBuffer& impulseResponse,
                            SampleBuffer& output) noexcept ORVANE_REALTIME;
     void replace(const SampleBuffer& impulseResponse) noexcept ORVANE_REALTIME;
-    void beginPair(bool firstBlockIsNext) noexcept ORVANE_REALTIME;
+    void beginPair(bool firstIsNext) noexcept ORVANE_REALTIME;
     std::uint64_t pairTermsDue() const noexcept ORVANE_REALTIME;
     void addPairTermsUpTo(std::uint64_t end) noexcept ORVANE_REALTIME;
     void addTerms(EarSums& sums, std::uint64_t firstTerm) noexcept ORVANE_REALTIME;

@@ -11,7 +11,7 @@ namespace orvane::kestrum::core {
 
 DirectFilterRenderer::DirectFilterRenderer(ISpeakerParameterSetView* view, IHrir* hrir, bool simple,
                                            const IBinauralComponentFactory& binauralFactory)
-    : view(view), hrir(hrir), simple(simple), response(hrir, simple, binauralFactory) {}
+    : view(view), hrir(hrir), response(hrir, simple, binauralFactory) {}
 
 void DirectFilterRenderer::process(SampleBuffer& buffer) {
     const Description now = present();

@@ -41,7 +41,6 @@ private:
 
     ISpeakerParameterSetView* view;
     IHrir* hrir;
-    bool simple;
     ClarifiedHrir response;
     Description described;
 };

@@ -29,7 +29,6 @@ ReflectionRenderer::ReflectionRenderer(float sampleRate, std::uint64_t responseL
                                        const IComponentFactory& componentFactory)
     : maxDelay(static_cast<std::int64_t>(std::min(responseLength, farthestSample)) -
                static_cast<std::int64_t>(hrir->length())),
-      simple(simple),
       view(view),
       hrir(hrir),
       response(hrir, simple, binauralFactory),

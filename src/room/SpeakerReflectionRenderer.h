@@ -80,7 +80,6 @@ private:
                    SampleBuffer& buffer) const ORVANE_REALTIME;
 
     std::int64_t maxDelay; ///< Samples: the reachable part of a response minus an HRIR.
-    bool simple;
     ISpeakerParameterSetView* view;
     IHrir* hrir;
     ClarifiedHrir response;

@@ -145,7 +145,8 @@ TEST(ALoudspeaker, RecoversFromOneBadSampleNoLaterThanThePlainPath) {
         return leftEar(
             poisoned(blockCount, blockSize, poison), blockSize,
             [&](const orvane::SampleBuffer& input, orvane::SampleBuffer& output, std::size_t index) {
-                product.headRotation->setValue(static_cast<float>(index / 2));
+                const std::size_t degrees = index / 2; // still every other block
+                product.headRotation->setValue(static_cast<float>(degrees));
                 speaker->process(input, output);
             });
     };

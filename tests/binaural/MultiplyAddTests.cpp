@@ -45,7 +45,7 @@ float awkward(std::mt19937& random) {
 class Spectra {
 public:
     Spectra(std::uint64_t count, std::uint64_t bins, const Numbers& numbers, std::mt19937& random)
-        : values(count, std::max<std::uint64_t>(bins, 1) - 1), binCount(bins) {
+        : values(count, std::max<std::uint64_t>(bins, 1) - 1) {
         for (std::uint64_t index = 0; index < count; ++index)
             for (std::uint64_t k = 0; k < bins; ++k)
                 (*this)[index][k] = {numbers(random), numbers(random)};
@@ -63,7 +63,6 @@ public:
 
 private:
     PartitionedSpectrum values;
-    std::uint64_t binCount;
 };
 
 class EveryInstructionSet : public ::testing::TestWithParam<InstructionSet> {
