@@ -43,7 +43,7 @@ void ClarityProcessor::process(SampleBuffer& buffer) {
             spectrum[k].re *= weights[k];
             spectrum[k].im *= weights[k];
         }
-        transform.backwardConsuming(spectrum, timeOutput.channelPointers[channel]);
+        transform.backward(spectrum, timeOutput.channelPointers[channel]);
         buffer.writeChannelScaled(channel, timeOutput.channel(channel), factor);
     }
 }

@@ -77,7 +77,7 @@ SampleSpan Convolution::convolve(const PartitionedSpectrum& response) noexcept {
         if (++inputSlot == partitionCount)
             inputSlot = 0;
     }
-    transform.backwardConsuming(accumulator.data, result.data);
+    transform.backward(accumulator.data, result.data);
     return validResult;
 }
 

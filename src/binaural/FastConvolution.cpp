@@ -109,7 +109,7 @@ void FastConvolution::addTerms(Sums& sums, std::uint64_t first, std::uint64_t la
 }
 
 SampleSpan FastConvolution::transformBack(Sums& sums, std::uint64_t ear) noexcept {
-    transform.backwardConsuming(sums.get() + ear * slotStride, timeResult.get());
+    transform.backward(sums.get() + ear * slotStride, timeResult.get());
     return {timeResult.get() + blockSize, blockSize}; // the half that no circular wrap has reached
 }
 

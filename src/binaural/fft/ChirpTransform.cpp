@@ -72,8 +72,8 @@ ChirpTransform::ChirpTransform(std::size_t valueCount)
       chirpSpectrum(makeAlignedArray<Complex>(paddedLength)),
       work(makeAlignedArray<Complex>(paddedLength)),
       workSpectrum(makeAlignedArray<Complex>(paddedLength)),
-      forwardPlan(planFor(PlanKind::complexForward, paddedLength)),
-      backwardPlan(planFor(PlanKind::complexBackward, paddedLength)) {
+      forwardPlan(planFor(Direction::forward, paddedLength)),
+      backwardPlan(planFor(Direction::backward, paddedLength)) {
     for (std::size_t n = 0; n < length; ++n)
         chirp[n] = narrow(chirpValue(n, length));
     makeChirpSpectrum();

@@ -28,11 +28,11 @@ public:
     PlanCache(const PlanCache&) = delete;
     PlanCache& operator=(const PlanCache&) = delete;
 
-    fftwf_plan get(PlanKind kind, std::size_t length) {
+    fftwf_plan get(Direction direction, std::size_t length) {
         const std::lock_guard lock(mutex);
-        fftwf_plan& plan = plans[{kind, length}];
+        fftwf_plan& plan = plans[{direction, length}];
         if (plan == nullptr)
-            plan = make(kind, length);
+            plan = make(direction, length);
         return plan;
     }
 
@@ -48,52 +48,32 @@ private:
     }
 
     /// On aligned memory, for which alone the plan then holds.
-    static fftwf_plan make(PlanKind kind, std::size_t length) {
-        const auto time = makeAlignedArray<float>(length);
-        const auto first = makeAlignedArray<Complex>(length);
-        const auto second = makeAlignedArray<Complex>(length);
-        const int n = static_cast<int>(length);
-        fftwf_plan plan = nullptr;
-        switch (kind) {
-        case PlanKind::realForward:
-            plan = fftwf_plan_dft_r2c_1d(n, time.get(), native(first.get()), FFTW_ESTIMATE);
-            break;
-        case PlanKind::realBackward:
-            plan = fftwf_plan_dft_c2r_1d(n, native(first.get()), time.get(), FFTW_ESTIMATE);
-            break;
-        case PlanKind::complexForward:
-            plan =
-                fftwf_plan_dft_1d(n, native(first.get()), native(second.get()), FFTW_FORWARD, FFTW_ESTIMATE);
-            break;
-        case PlanKind::complexBackward:
-            plan =
-                fftwf_plan_dft_1d(n, native(first.get()), native(second.get()), FFTW_BACKWARD, FFTW_ESTIMATE);
-            break;
-        }
+    static fftwf_plan make(Direction direction, std::size_t length) {
+        const auto values = makeAlignedArray<Complex>(length);
+        const auto transformed = makeAlignedArray<Complex>(length);
+        fftwf_plan plan =
+            fftwf_plan_dft_1d(static_cast<int>(length), native(values.get()), native(transformed.get()),
+                              direction == Direction::forward ? FFTW_FORWARD : FFTW_BACKWARD, FFTW_ESTIMATE);
         if (plan == nullptr)
             throw std::bad_alloc();
         return plan;
     }
 
     std::mutex mutex;
-    std::map<std::pair<PlanKind, std::size_t>, fftwf_plan> plans;
+    std::map<std::pair<Direction, std::size_t>, fftwf_plan> plans;
 };
 
 } // namespace
 
-void Plan::run(float* time, Complex* spectrum) const noexcept {
-    fftwf_execute_dft_r2c(static_cast<fftwf_plan>(handle), time, native(spectrum));
+void Plan::run(const Complex* values, Complex* transformed) const noexcept {
+    // The library only reads them, but does not say so.
+    fftwf_execute_dft(static_cast<fftwf_plan>(handle), native(const_cast<Complex*>(values)),
+                      native(transformed));
 }
 
-void Plan::run(Complex* spectrum, float* time) const noexcept {
-    fftwf_execute_dft_c2r(static_cast<fftwf_plan>(handle), native(spectrum), time);
+Plan planFor(Direction direction, std::size_t length) {
+    return Plan(PlanCache::instance().get(direction, length));
 }
-
-void Plan::run(Complex* values, Complex* transformed) const noexcept {
-    fftwf_execute_dft(static_cast<fftwf_plan>(handle), native(values), native(transformed));
-}
-
-Plan planFor(PlanKind kind, std::size_t length) { return Plan(PlanCache::instance().get(kind, length)); }
 
 bool fitsPlans(const void* memory) noexcept {
     // The library's function only looks at the address.

@@ -8,24 +8,18 @@
 
 namespace orvane::fft {
 
-enum class PlanKind { realForward, realBackward, complexForward, complexBackward };
+enum class Direction { forward, backward };
 
-/// What the FFT library made of one kind and length; it belongs to the module's cache and lives as long as
-/// that.
+/// What the FFT library made of one direction and length; it belongs to the module's cache and lives as long
+/// as that.
 ///
-/// Shape   real ones between float [length] and Complex [length / 2 + 1], complex ones between two
-///         Complex [length]; unscaled, never in place; all memory must fitsPlans().
+/// Shape   from Complex [length] to other Complex [length], unscaled; both must fitsPlans().
 /// Thread  run() by any number of threads at a time.
 class Plan {
 public:
     explicit Plan(void* libraryPlan) noexcept : handle(libraryPlan) {}
 
-    void run(float* time, Complex* spectrum) const noexcept ORVANE_REALTIME;
-
-    /// realBackward, which leaves anything in `spectrum`.
-    void run(Complex* spectrum, float* time) const noexcept ORVANE_REALTIME;
-
-    void run(Complex* values, Complex* transformed) const noexcept ORVANE_REALTIME;
+    void run(const Complex* values, Complex* transformed) const noexcept ORVANE_REALTIME;
 
 private:
     void* handle; ///< The library's pointer, whose type its header keeps to itself.
@@ -37,7 +31,7 @@ private:
 /// Thread  any that may wait: one mutex guards the cache from the first plan to the last one's end, since the
 ///         library's planner is not thread-safe.
 /// Errors  std::bad_alloc.
-Plan planFor(PlanKind kind, std::size_t length);
+Plan planFor(Direction direction, std::size_t length);
 
 /// Whether plans run on this memory; whatever starts at a cache line does.
 bool fitsPlans(const void* memory) noexcept ORVANE_REALTIME;

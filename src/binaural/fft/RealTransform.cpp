@@ -3,11 +3,11 @@
 
 #include "binaural/fft/AlignedArray.h"
 #include "binaural/fft/ChirpTransform.h"
+#include "binaural/fft/HalfLength.h"
 #include "binaural/fft/Plans.h"
 
 #include <algorithm>
-#include <cmath>
-#include <numbers>
+#include <cstring>
 
 namespace orvane::fft {
 
@@ -16,125 +16,76 @@ public:
     virtual ~Method() = default;
     virtual void forward(const float* time, Complex* spectrum) noexcept ORVANE_REALTIME = 0;
     virtual void backward(const Complex* spectrum, float* time) noexcept ORVANE_REALTIME = 0;
-    virtual void backwardConsuming(Complex* spectrum, float* time) noexcept ORVANE_REALTIME {
-        backward(spectrum, time);
-    }
 };
 
 namespace {
 
-/// The library's own transform. Memory that it could not run on goes through scratch, so that any gives the
-/// same bits.
-class DirectMethod final : public RealTransform::Method {
+/// By the library, on half as many complex values: its own real transforms take half as long again. Memory that
+/// it could not run on goes through scratch, so that any gives the same bits.
+class EvenDirectMethod final : public RealTransform::Method {
 public:
-    explicit DirectMethod(std::size_t samples)
+    explicit EvenDirectMethod(std::size_t samples)
         : length(samples),
-          binCount(samples / 2 + 1),
-          timeScratch(makeAlignedArray<float>(length)),
-          spectrumScratch(makeAlignedArray<Complex>(binCount)),
-          forwardPlan(planFor(PlanKind::realForward, length)),
-          backwardPlan(planFor(PlanKind::realBackward, length)) {}
+          halfLength(samples / 2),
+          timeScratch(makeAlignedArray<Complex>(samples / 2)),
+          values(makeAlignedArray<Complex>(samples / 2)),
+          forwardPlan(planFor(Direction::forward, samples / 2)),
+          backwardPlan(planFor(Direction::backward, samples / 2)) {}
 
     void forward(const float* time, Complex* spectrum) noexcept override {
-        float* input = timeScratch.get();
-        if (fitsPlans(time))
-            input = const_cast<float*>(time); // which this direction only reads
-        else
-            std::copy_n(time, length, input);
-        if (fitsPlans(spectrum)) {
-            forwardPlan.run(input, spectrum);
-        } else {
-            forwardPlan.run(input, spectrumScratch.get());
-            std::copy_n(spectrumScratch.get(), binCount, spectrum);
+        const auto* samples = reinterpret_cast<const Complex*>(time);
+        if (!fitsPlans(time)) {
+            std::memcpy(timeScratch.get(), time, length * sizeof(float));
+            samples = timeScratch.get();
         }
+        Complex* const transformed = fitsPlans(spectrum) ? spectrum : values.get();
+        forwardPlan.run(samples, transformed);
+        halfLength.takeApart(transformed, spectrum);
     }
 
     void backward(const Complex* spectrum, float* time) noexcept override {
-        std::copy_n(spectrum, binCount, spectrumScratch.get());
-        runBackward(spectrumScratch.get(), time);
-    }
-
-    void backwardConsuming(Complex* spectrum, float* time) noexcept override {
-        if (fitsPlans(spectrum))
-            runBackward(spectrum, time);
-        else
-            backward(spectrum, time);
-    }
-
-private:
-    void runBackward(Complex* spectrum, float* time) noexcept {
+        halfLength.putTogether(spectrum, values.get());
         if (fitsPlans(time)) {
-            backwardPlan.run(spectrum, time);
+            backwardPlan.run(values.get(), reinterpret_cast<Complex*>(time));
         } else {
-            backwardPlan.run(spectrum, timeScratch.get());
-            std::copy_n(timeScratch.get(), length, time);
+            backwardPlan.run(values.get(), timeScratch.get());
+            std::memcpy(time, timeScratch.get(), length * sizeof(float));
         }
     }
 
+private:
     std::size_t length;
-    std::size_t binCount;
-    AlignedArray<float> timeScratch;
-    AlignedArray<Complex> spectrumScratch;
+    HalfLength halfLength;
+    AlignedArray<Complex> timeScratch; ///< [length / 2]
+    AlignedArray<Complex> values;      ///< [length / 2]
     Plan forwardPlan;
     Plan backwardPlan;
 };
 
-/// An even length: even samples as real and odd ones as imaginary parts of half as many values, whose
-/// transform Z is taken apart again,
-///     X[k] = E[k] + w^k O[k], E[k] = (Z[k] + Z*[h-k]) / 2, O[k] = (Z[k] - Z*[h-k]) / 2i, w = exp(-i pi / h),
-/// and put together for the way back.
+/// By a chirp, on half as many complex values.
 class EvenChirpMethod final : public RealTransform::Method {
 public:
     explicit EvenChirpMethod(std::size_t samples)
-        : half(samples / 2), twiddles(makeAlignedArray<Complex>(half)), chirp(half) {
-        // w^k / 2i: factors of the way there, whose conjugates times 2 are those of the way back.
-        for (std::size_t k = 0; k < half; ++k) {
-            const double angle = std::numbers::pi * static_cast<double>(k) / static_cast<double>(half);
-            twiddles[k] = {static_cast<float>(-0.5 * std::sin(angle)),
-                           static_cast<float>(-0.5 * std::cos(angle))};
-        }
-    }
+        : half(samples / 2), halfLength(samples / 2), chirp(samples / 2) {}
 
     void forward(const float* time, Complex* spectrum) noexcept override {
-        Complex* const z = chirp.values();
-        for (std::size_t m = 0; m < half; ++m)
-            z[m] = {time[2 * m], time[2 * m + 1]};
+        std::memcpy(chirp.values(), time, half * sizeof(Complex));
         chirp.transform();
-        spectrum[0] = {z[0].re + z[0].im, 0};
-        spectrum[half] = {z[0].re - z[0].im, 0};
-        for (std::size_t k = 1; k < half; ++k) {
-            const Complex a = z[k];
-            const Complex b = z[half - k];
-            const Complex t = twiddles[k];
-            const Complex difference{a.re - b.re, a.im + b.im};
-            spectrum[k] = {0.5f * (a.re + b.re) + (difference.re * t.re - difference.im * t.im),
-                           0.5f * (a.im - b.im) + (difference.re * t.im + difference.im * t.re)};
-        }
+        halfLength.takeApart(chirp.values(), spectrum);
     }
 
-    /// The inverse transform is the forward one of the conjugates, conjugated.
+    /// The inverse transform is the forward one turned around.
     void backward(const Complex* spectrum, float* time) noexcept override {
         Complex* const z = chirp.values();
-        z[0] = {spectrum[0].re + spectrum[half].re, spectrum[half].re - spectrum[0].re};
-        for (std::size_t k = 1; k < half; ++k) {
-            const Complex a = spectrum[k];
-            const Complex b = spectrum[half - k];
-            const Complex t = twiddles[k];
-            const Complex twice{2.0f * (a.re - b.re), 2.0f * (a.im + b.im)};
-            // Conjugate of (a + b*) + (a - b*) 2 t*, where i w^-k = 2 t*.
-            z[k] = {(a.re + b.re) + (twice.re * t.re + twice.im * t.im),
-                    (b.im - a.im) + (twice.re * t.im - twice.im * t.re)};
-        }
+        halfLength.putTogether(spectrum, z);
         chirp.transform();
-        for (std::size_t m = 0; m < half; ++m) {
-            time[2 * m] = z[m].re;
-            time[2 * m + 1] = -z[m].im;
-        }
+        std::reverse(z + 1, z + half);
+        std::memcpy(time, z, half * sizeof(Complex));
     }
 
 private:
     std::size_t half;
-    AlignedArray<Complex> twiddles; ///< [half]
+    HalfLength halfLength;
     ChirpTransform chirp;
 };
 
@@ -180,19 +131,18 @@ std::size_t largestPrimeFactor(std::size_t number) noexcept {
     return std::max(largest, number);
 }
 
-/// Lengths that the library runs without allocating, found by running them: even ones without a prime factor
-/// above 13. Odd ones with several factors allocate, however small the factors.
-bool runsDirectly(std::size_t length) noexcept { return length % 2 == 0 && largestPrimeFactor(length) <= 13; }
+/// Complex values that the library transforms without allocating, found by running them.
+constexpr std::size_t largestDirectFactor = 13;
 
 } // namespace
 
 RealTransform::RealTransform(std::size_t length) {
-    if (runsDirectly(length))
-        method = std::make_unique<DirectMethod>(length);
-    else if (length % 2 == 0)
-        method = std::make_unique<EvenChirpMethod>(length);
-    else
+    if (length % 2 != 0)
         method = std::make_unique<OddChirpMethod>(length);
+    else if (largestPrimeFactor(length) <= largestDirectFactor)
+        method = std::make_unique<EvenDirectMethod>(length);
+    else
+        method = std::make_unique<EvenChirpMethod>(length);
 }
 
 RealTransform::~RealTransform() = default;
@@ -203,10 +153,6 @@ void RealTransform::forward(const float* time, Complex* spectrum) noexcept {
 
 void RealTransform::backward(const Complex* spectrum, float* time) noexcept {
     method->backward(spectrum, time);
-}
-
-void RealTransform::backwardConsuming(Complex* spectrum, float* time) noexcept {
-    method->backwardConsuming(spectrum, time);
 }
 
 } // namespace orvane::fft

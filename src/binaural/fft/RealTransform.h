@@ -19,8 +19,8 @@ namespace orvane::fft {
 ///         length of 131072, far above any block of a host.
 /// Errors  std::bad_alloc at construction only.
 ///
-/// Odd lengths and those with a prime factor above 13, for which the library would allocate while it runs, go
-/// through ChirpTransform.
+/// Even lengths go through half as many complex values. Odd lengths and those with a prime factor above 13, for
+/// which the library would allocate while it runs, go through ChirpTransform.
 class RealTransform {
 public:
     /// @param length samples, 1 or more.
@@ -33,9 +33,6 @@ public:
 
     /// Reads no imaginary part of bin 0 and, for an even length, of the last bin.
     void backward(const Complex* spectrum, float* time) noexcept ORVANE_REALTIME;
-
-    /// As backward(), to the bit, but leaves anything in `spectrum`, which saves a copy of it.
-    void backwardConsuming(Complex* spectrum, float* time) noexcept ORVANE_REALTIME;
 
     class Method;
 
