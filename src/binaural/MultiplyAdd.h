@@ -2,7 +2,7 @@
 #pragma once
 
 #include "base/Realtime.h"
-#include "binaural/InstructionSet.h"
+#include "base/InstructionSet.h"
 #include "binaural/fft/Complex.h"
 
 #include <cstdint>

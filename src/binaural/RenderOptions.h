@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "binaural/InstructionSet.h"
+#include "base/InstructionSet.h"
 
 namespace orvane {
 

@@ -4,7 +4,7 @@
 
 #include "binaural/ComplexBlock.h"
 #include "binaural/ComplexMultiplyAdd.h"
-#include "binaural/InstructionSet.h"
+#include "base/InstructionSet.h"
 #include "binaural/PartitionedSpectrum.h"
 #include "support/RealtimeScope.h"
 

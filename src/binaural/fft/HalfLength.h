@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "base/InstructionSet.h"
 #include "base/Realtime.h"
 #include "binaural/fft/AlignedArray.h"
 #include "binaural/fft/Complex.h"
+#include "binaural/fft/HalfLengthKernels.h"
 
 #include <cstddef>
 
@@ -20,7 +22,8 @@ namespace orvane::fft {
 class HalfLength {
 public:
     /// @param half h, 1 or more.
-    explicit HalfLength(std::size_t half);
+    /// @param set of the processor; all give the same bits.
+    explicit HalfLength(std::size_t half, InstructionSet set = bestInstructionSet());
 
     /// X from Z.
     ///
@@ -34,6 +37,7 @@ public:
     void putTogether(const Complex* spectrum, Complex* values) const noexcept ORVANE_REALTIME;
 
 private:
+    HalfLengthKernel kernel;
     std::size_t half;
     AlignedArray<Complex> twiddles; ///< [half / 2 + 1], w^k / 2i.
 };

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "binaural/InstructionSet.h"
+#include "base/InstructionSet.h"
 
 #include <cstddef>
 
