@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "base/Realtime.h"
 #include "base/InstructionSet.h"
+#include "base/Realtime.h"
 #include "binaural/fft/Complex.h"
 
 #include <cstdint>

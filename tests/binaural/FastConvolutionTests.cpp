@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ConvolverRun.h"
-#include "binaural/ConvolutionFactory.h"
 #include "base/InstructionSet.h"
+#include "binaural/ConvolutionFactory.h"
 #include "support/RealtimeScope.h"
 #include "support/Signals.h"
 

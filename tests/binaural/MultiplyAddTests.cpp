@@ -2,9 +2,9 @@
 // Null tests: every instruction set gives the bits of the plain loop over complexMultiplyAdd().
 #include "binaural/MultiplyAdd.h"
 
+#include "base/InstructionSet.h"
 #include "binaural/ComplexBlock.h"
 #include "binaural/ComplexMultiplyAdd.h"
-#include "base/InstructionSet.h"
 #include "binaural/PartitionedSpectrum.h"
 #include "support/RealtimeScope.h"
 
