@@ -31,6 +31,7 @@ std::vector<Complex> noiseValues(std::size_t count, std::uint32_t seed) {
 
 std::vector<std::uint64_t> bitsOf(const std::vector<Complex>& values) {
     std::vector<std::uint64_t> bits;
+    bits.reserve(values.size());
     for (const Complex value : values)
         bits.push_back(std::bit_cast<std::uint64_t>(value));
     return bits;
