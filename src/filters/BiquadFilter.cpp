@@ -14,33 +14,46 @@ void BiquadFilter::setFrequency(float frequencyHz) {
     updateCoefficients();
 }
 
+// The loops run on copies of the section: a store to the output could be one to the section as far as the
+// compiler knows, and the recursion would wait for memory in every sample.
+
 void BiquadFilter::process(const float* in, float* out, std::uint64_t count, float gain) {
+    BiquadSection run = section;
     for (std::uint64_t i = 0; i < count; ++i)
-        out[i] = section.next(gain * in[i]);
+        out[i] = run.next(gain * in[i]);
+    section = run;
 }
 
 void BiquadFilter::processInPlace(float* buffer, std::uint64_t count, float gain) {
+    BiquadSection run = section;
     for (std::uint64_t i = 0; i < count; ++i)
-        buffer[i] = section.next(buffer[i]) * gain;
+        buffer[i] = run.next(buffer[i]) * gain;
+    section = run;
 }
 
 void BiquadFilter::processInPlaceFading(float* buffer, std::uint64_t count, std::uint64_t offset,
                                         float gain) {
+    BiquadSection run = section;
     for (std::uint64_t i = 0; i < count; ++i)
-        buffer[i] = (1.0f - static_cast<float>(offset + i) / static_cast<float>(count)) *
-                    section.next(gain * buffer[i]);
+        buffer[i] =
+            (1.0f - static_cast<float>(offset + i) / static_cast<float>(count)) * run.next(gain * buffer[i]);
+    section = run;
 }
 
 void BiquadFilter::processAdd(const float* in, float* out, std::uint64_t count, float gain) {
+    BiquadSection run = section;
     for (std::uint64_t i = 0; i < count; ++i)
-        out[i] += section.next(gain * in[i]);
+        out[i] += run.next(gain * in[i]);
+    section = run;
 }
 
 void BiquadFilter::processAddFading(const float* in, float* out, std::uint64_t count, std::uint64_t offset,
                                     float gain) {
+    BiquadSection run = section;
     for (std::uint64_t i = 0; i < count; ++i)
         out[i] +=
-            (1.0f - static_cast<float>(i + offset) / static_cast<float>(count)) * section.next(gain * in[i]);
+            (1.0f - static_cast<float>(i + offset) / static_cast<float>(count)) * run.next(gain * in[i]);
+    section = run;
 }
 
 void BiquadFilter::reset() { section.reset(); }

@@ -61,8 +61,11 @@ public:
             dirty = false;
         }
         const std::uint64_t count = std::min(in.length, out.length);
+        BiquadSection run = section; // so that the compiler knows that no store to the output changes it
+        const float scale = inputGain;
         for (std::uint64_t i = 0; i < count; ++i)
-            out[i] = section.next(in[i] * inputGain);
+            out[i] = run.next(in[i] * scale);
+        section = run;
     }
 
     void reset() ORVANE_REALTIME override { section.reset(); }
