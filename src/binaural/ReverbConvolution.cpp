@@ -134,7 +134,6 @@ void ReverbConvolution::replace(const SampleBuffer& impulseResponse) noexcept {
     };
     unlimitedCount = countFrom(bandLimit.limitedPartitions);
     pairTermCount = countFrom(2);
-    earlyTermCount = countFrom(3);
 }
 
 void ReverbConvolution::clear(EarSums& sums) noexcept {
@@ -150,9 +149,10 @@ void ReverbConvolution::beginPair(bool firstIsNext) noexcept {
         clear(sums);
 }
 
-/// The third partition of a pair's second block meets the input of the block before the pair.
+/// One half with each of the two blocks before the pair. The last term, that of the third partition, needs the input
+/// of the second of them; it is never in the first half.
 std::uint64_t ReverbConvolution::pairTermsDue() const noexcept {
-    return firstBlockIsNext ? pairTermCount : std::min(pairTermCount / 2, earlyTermCount);
+    return firstBlockIsNext ? pairTermCount : pairTermCount / 2;
 }
 
 void ReverbConvolution::addPairTermsUpTo(std::uint64_t end) noexcept {

@@ -83,7 +83,6 @@ private:
     std::vector<std::uint64_t> partitions; ///< Those that are not all zeros, last one first.
     std::uint64_t unlimitedCount = 0;      ///< Leading ones of `partitions` that keep all bins.
     std::uint64_t pairTermCount = 0;       ///< Leading ones of `partitions` from the third one on.
-    std::uint64_t earlyTermCount = 0;      ///< Leading ones of `partitions` from the fourth one on.
     std::vector<SpectrumTerm> terms;
     std::vector<TwoBlockTerm> pairTerms;
     PairSums present; ///< Of the pair that is being delivered.

@@ -144,6 +144,22 @@ TEST_P(Stage, HasAnotherKeyForATurnedHeadAndForAReplacedSet) {
     EXPECT_FALSE(keyOf(*stage) == key);
 }
 
+/// The custom model in room 1 has levels without distance: its ceiling decides nothing but when one reflection comes.
+TEST(ReflectionStage, HasAnotherKeyForAnotherDelayAlone) {
+    test::GridHead head{headLength};
+    EveryValueView view;
+    constexpr std::int32_t roomWithoutDistances = 1;
+    const auto stage = stageOf(Kind::customRoom, view, head, {}, roomWithoutDistances);
+    const ResponseKey key = keyOf(*stage);
+    SampleBuffer before(2, responseLength);
+    stage->process(before);
+    view.values[EveryValueView::ceiling] += 1;
+    EXPECT_FALSE(keyOf(*stage) == key);
+    SampleBuffer after(2, responseLength);
+    stage->process(after);
+    EXPECT_TRUE(differ(before, after));
+}
+
 TEST_P(Stage, HasOneKeyForAllDirectionsOfACell) {
     view.values[EveryValueView::azimuthExponent] = 1;
     view.values[EveryValueView::azimuth] = 31;
