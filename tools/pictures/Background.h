@@ -1,0 +1,19 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "pictures/Font.h"
+#include "pictures/Picture.h"
+
+namespace orvane::kestrum::pictures {
+
+inline constexpr int backgroundWidth = 2160;
+inline constexpr int backgroundHeight = 1272;
+
+/// How the room lies behind the controls, which are always sharp.
+enum class Focus { sharp, blurred };
+
+/// The whole window without its widgets: the room, and over it the bar of controls with its labels, wells and symbols,
+/// and the product's name.
+Picture background(Focus focus, const Font& medium, const Font& regular);
+
+} // namespace orvane::kestrum::pictures

@@ -1,0 +1,92 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "pictures/Picture.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace orvane::kestrum::pictures {
+
+namespace {
+
+Colour ramp(const std::vector<Stop>& stops, double place) {
+    if (place <= stops.front().place)
+        return stops.front().colour;
+    for (std::size_t i = 1; i < stops.size(); ++i)
+        if (place < stops[i].place) {
+            const double span = stops[i].place - stops[i - 1].place;
+            return mix(stops[i - 1].colour, stops[i].colour,
+                       static_cast<float>((place - stops[i - 1].place) / span));
+        }
+    return stops.back().colour;
+}
+
+/// `upper` not multiplied by its alpha, `lower` multiplied.
+void over(const Colour& upper, float coverage, Colour& lower) noexcept {
+    const float alpha = upper.alpha * coverage;
+    lower.red = upper.red * alpha + lower.red * (1 - alpha);
+    lower.green = upper.green * alpha + lower.green * (1 - alpha);
+    lower.blue = upper.blue * alpha + lower.blue * (1 - alpha);
+    lower.alpha = alpha + lower.alpha * (1 - alpha);
+}
+
+} // namespace
+
+Picture::Picture(int pictureWidth, int pictureHeight)
+    : width(pictureWidth),
+      height(pictureHeight),
+      pixels(static_cast<std::size_t>(pictureWidth) * static_cast<std::size_t>(pictureHeight),
+             Colour{0, 0, 0, 0}) {}
+
+Shade along(double x0, double y0, double x1, double y1, std::vector<Stop> stops) {
+    const double dx = x1 - x0, dy = y1 - y0;
+    return Shade([=, stops = std::move(stops)](double x, double y) {
+        return ramp(stops, ((x - x0) * dx + (y - y0) * dy) / (dx * dx + dy * dy));
+    });
+}
+
+Shade around(double x, double y, double radius, std::vector<Stop> stops) {
+    return Shade([=, stops = std::move(stops)](double px, double py) {
+        return ramp(stops, std::hypot(px - x, py - y) / radius);
+    });
+}
+
+void Canvas::paint(const Mask& mask, const Shade& shade) {
+    for (int y = std::max(0, mask.top); y < std::min(picture.height, mask.top + mask.height); ++y)
+        for (int x = std::max(0, mask.left); x < std::min(picture.width, mask.left + mask.width); ++x)
+            if (const float coverage = mask.at(x, y); coverage > 0)
+                over(shade((x + 0.5) / scale, (y + 0.5) / scale), coverage, picture.at(x, y));
+}
+
+void Canvas::fill(const Path& path, const Shade& shade) { paint(filled(path, scale), shade); }
+
+void Canvas::stroke(const Path& path, double width, const Shade& shade, bool roundEnds) {
+    paint(stroked(path, width, scale, roundEnds), shade);
+}
+
+void Canvas::glow(const Path& path, double sigma, const Shade& shade) {
+    paint(blurred(filled(path, scale), sigma * scale), shade);
+}
+
+void Canvas::strokeGlow(const Path& path, double width, double sigma, const Shade& shade) {
+    paint(blurred(stroked(path, width, scale), sigma * scale), shade);
+}
+
+void Canvas::innerShadow(const Path& path, double offset, double sigma, const Shade& shade) {
+    const Mask inside = filled(path, scale);
+    Mask lowered = blurred(inside, sigma * scale);
+    lowered.top += static_cast<int>(std::lround(offset * scale));
+    paint(difference(inside, lowered), shade);
+}
+
+void lay(const Picture& upper, Picture& lower, int left, int top) {
+    for (int y = std::max(0, -top); y < std::min(upper.height, lower.height - top); ++y)
+        for (int x = std::max(0, -left); x < std::min(upper.width, lower.width - left); ++x) {
+            const Colour& above = upper.at(x, y);
+            Colour& below = lower.at(x + left, y + top);
+            const float rest = 1 - above.alpha;
+            below = {above.red + below.red * rest, above.green + below.green * rest,
+                     above.blue + below.blue * rest, above.alpha + below.alpha * rest};
+        }
+}
+
+} // namespace orvane::kestrum::pictures

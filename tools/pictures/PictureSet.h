@@ -1,0 +1,24 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "pictures/Picture.h"
+
+#include <filesystem>
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace orvane::kestrum::pictures {
+
+/// One file that the editor shows.
+struct PictureSource {
+    std::string file; ///< Relative to the folder of pictures.
+    int width = 0;    ///< Pixels: twice what is shown.
+    int height = 0;
+    std::function<Picture()> draw;
+};
+
+/// All pictures of the editor. @param fonts folder of the fonts that the plug-in carries.
+std::vector<PictureSource> pictureSet(const std::filesystem::path& fonts);
+
+} // namespace orvane::kestrum::pictures
