@@ -14,6 +14,8 @@ from pathlib import Path
 ROOT = Path(__file__).resolve().parents[2]
 SKIPPED = 77
 FEWEST_PAGES = 20
+CONTROLS = ("Speaker Setup", "Scene", "Ambience", "Focus", "Head Rotation", "Master")
+SHOWN_AS = {"Mix Room": "Mix Room A", "Mix Room Small": "Mix Room B"}  # as the plug-in's menu has them
 # The letters that it may be set in, by the beginning of their names.
 FACES = ("Lato", "DejaVu-Sans")
 
@@ -29,11 +31,15 @@ def plain(words):
 
 
 def headings(page):
-    """(level, id, words) of every heading of the HTML page between the contents and the end."""
-    body = page[page.index("<main>"):]
-    found = re.findall(r'<h([12])[^>]*\bid="([^"]+)"[^>]*>(.*?)</h\1>', body, re.DOTALL)
-    return [(int(level), name, plain(unescape(re.sub(r'<span class="header-section-number">.*?</span>|<[^>]+>', "", words))))
-            for level, name, words in found]
+    """(anchor, words) of every entry of the contents; there is one for each heading of the text."""
+    contents, body = page.split("<main>")
+    entries = re.findall(r'<li><a href="#([^"]+)">(.*?)</a>', contents, re.DOTALL)
+    bare = [(name, plain(unescape(re.sub(r'<span class="toc-section-number">.*?</span>|<[^>]+>', "", words))))
+            for name, words in entries]
+    count = len(re.findall(r"<h[12]\b", body))
+    if count != len(bare):
+        raise SystemExit(f"{count} headings and {len(bare)} entries in the contents")
+    return bare
 
 
 def destinations(pdf):
@@ -43,7 +49,8 @@ def destinations(pdf):
 
 def literals(path):
     """What a source's string literals spell, one after another."""
-    found = re.findall(r'(?<!#include )"((?:[^"\\]|\\.)*)"', path.read_text(encoding="utf-8"))
+    lines = [line for line in path.read_text(encoding="utf-8").splitlines() if not line.startswith("#include")]
+    found = re.findall(r'"((?:[^"\\]|\\.)*)"', "\n".join(lines))
     return plain("".join(found).replace("\\n", " "))
 
 
@@ -64,8 +71,8 @@ class Checks:
     def contents(self, pages, page, pdf):
         """Each heading stands on the page that its anchor and the contents tell."""
         places = destinations(pdf)
-        listed = " ".join(pages[1:places[headings(page)[0][1]] - 1])
-        for level, name, words in headings(page):
+        listed = " ".join(pages[1:places[headings(page)[0][0]] - 1])
+        for name, words in headings(page):
             number = places.get(name)
             self.that(number is not None, f'no anchor for "{words}"')
             if number is None:
@@ -78,18 +85,33 @@ class Checks:
             name = line.split()[0].partition("+")[2]
             self.that(name.startswith(FACES), f"set in {name}")
 
-    def names(self, words):
-        """Every layout and Scene by the name that the menus show, as README.md has them."""
+    def names(self, text, page):
+        """Every setup in the tables, every Scene and control with a section of its own."""
         readme = (ROOT / "README.md").read_text(encoding="utf-8")
         rows = readme[readme.index("| Layout | Menu name |"):].split("\n\n", 1)[0].splitlines()[2:]
         for row in rows:
             name = row.split("|")[2].strip()
-            self.that(name in words, f"the setup {name} is missing")
+            self.that(name in text, f"the setup {name} is missing")
         source = (ROOT / "src/parameters/core/Scene.cpp").read_text(encoding="utf-8")
         scenes = re.findall(r'^    \{"([^"]+)",\s+Room', source, re.MULTILINE)
         self.that(len(scenes) == 16, f"{len(scenes)} Scenes in the source")
-        for name in scenes:
-            self.that(name in words, f"the Scene {name} is missing")
+        sections = [words for _, words in headings(page)]
+        for name in [*(SHOWN_AS.get(scene, scene) for scene in scenes), *CONTROLS]:
+            self.that(name in sections, f"{name} has no section")
+
+    def claims(self, page):
+        """What the Scenes' sections say of the loudest, the longest and the driest is true of the figures beside them."""
+        table = page[page.index('<table class="scenes">'):].split("</table>", 1)[0]
+        figures = {}
+        for name, cells in re.findall(r"<tr>\s*<th>([^<]+)</th>(.*?)</tr>", table.split("<tbody>")[1], re.DOTALL):
+            values = [words.strip().replace("\u2212", "-") for words in re.findall(r"<td>([^<]*)</td>", cells)]
+            figures[plain(name)] = [float(words) if re.fullmatch(r"-?[\d.]+", words) else float("-inf") for words in values]
+        self.that(len(figures) == 16, f"figures of {len(figures)} Scenes")
+        for column, (claim, name) in ((0, ("longest decay", "Stadium")), (3, ("least room of those with a reverb", "Mix Room B")),
+                                      (4, ("loudest", "Stadium"))):
+            with_reverb = {scene: values for scene, values in figures.items() if values[0] > 0}
+            most = max(with_reverb, key=lambda scene: with_reverb[scene][column])
+            self.that(most == name, f"the {claim} is that of {most}, not of {name}")
 
     def warning(self):
         """The warning is quoted as the window shows it."""
@@ -118,7 +140,8 @@ def main(program, folder):
     checks.pages(pages, page)
     checks.contents(pages, page, pdf)
     checks.letters(pdf)
-    checks.names(" ".join(pages))
+    checks.names(" ".join(pages), page)
+    checks.claims(page)
     checks.warning()
     for failure in checks.failures:
         print(f"The manual: {failure}.")
