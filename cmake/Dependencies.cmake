@@ -25,7 +25,8 @@ if(KESTRUM_BUILD_PLUGIN)
     target_link_libraries(kestrum_framework INTERFACE juce::juce_audio_processors)
     target_include_directories(kestrum_framework SYSTEM INTERFACE ${JUCE_MODULES_DIR})
     target_compile_definitions(kestrum_framework INTERFACE
-        JUCE_WEB_BROWSER=0 JUCE_USE_CURL=0 JUCE_VST3_CAN_REPLACE_VST2=0 JUCE_DISPLAY_SPLASH_SCREEN=0)
+        JUCE_WEB_BROWSER=0 JUCE_USE_CURL=0 JUCE_VST3_CAN_REPLACE_VST2=0 JUCE_DISPLAY_SPLASH_SCREEN=0
+        JUCE_MODAL_LOOPS_PERMITTED=1)
 endif()
 if(KESTRUM_BUILD_TOOLS)
     pkg_check_modules(sndfile REQUIRED IMPORTED_TARGET sndfile)

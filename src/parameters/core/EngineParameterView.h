@@ -2,7 +2,6 @@
 #pragma once
 
 #include "parameters/core/ForwardingParameterSet.h"
-#include "parameters/core/SpeakerValues.h"
 
 namespace orvane::kestrum::core {
 
@@ -27,72 +26,62 @@ public:
         frozen = true;
     }
 
-    float getAzimuth() const noexcept override {
-        return frozen ? values.speaker.azimuth : live->getAzimuth();
-    }
-    float getElevation() const noexcept override {
-        return frozen ? values.speaker.elevation : live->getElevation();
-    }
+    float getAzimuth() const noexcept override { return frozen ? values.azimuth : live->getAzimuth(); }
+    float getElevation() const noexcept override { return frozen ? values.elevation : live->getElevation(); }
     float getDirectGainDb() const noexcept override {
-        return frozen ? values.speaker.directGainDb : live->getDirectGainDb();
+        return frozen ? values.directGainDb : live->getDirectGainDb();
     }
     float getSpatialValue4() const noexcept override {
-        return frozen ? values.speaker.spatialValue4 : live->getSpatialValue4();
+        return frozen ? values.spatialValue4 : live->getSpatialValue4();
     }
     float getAttenuationValue() const noexcept override {
-        return frozen ? values.speaker.attenuationValue : live->getAttenuationValue();
+        return frozen ? values.attenuationValue : live->getAttenuationValue();
     }
     float getReflectionLowPassFrequency() const noexcept override {
-        return frozen ? values.speaker.reflectionLowPassFrequency : live->getReflectionLowPassFrequency();
+        return frozen ? values.reflectionLowPassFrequency : live->getReflectionLowPassFrequency();
     }
     float getDistanceLevel() const noexcept override {
-        return frozen ? values.speaker.distanceLevel : live->getDistanceLevel();
+        return frozen ? values.distanceLevel : live->getDistanceLevel();
     }
-    float getFarFade() const noexcept override {
-        return frozen ? values.speaker.farFade : live->getFarFade();
-    }
+    float getFarFade() const noexcept override { return frozen ? values.farFade : live->getFarFade(); }
     float getAttenuationDb() const noexcept override {
-        return frozen ? values.speaker.attenuationDb : live->getAttenuationDb();
+        return frozen ? values.attenuationDb : live->getAttenuationDb();
     }
     float getAzimuthExponent() const noexcept override {
-        return frozen ? values.speaker.azimuthExponent : live->getAzimuthExponent();
+        return frozen ? values.azimuthExponent : live->getAzimuthExponent();
     }
     float getFloorLevelDb() const noexcept override {
-        return frozen ? values.speaker.floorLevelDb : live->getFloorLevelDb();
+        return frozen ? values.floorLevelDb : live->getFloorLevelDb();
     }
-    float getDistance() const noexcept override {
-        return frozen ? values.speaker.distance : live->getDistance();
-    }
+    float getDistance() const noexcept override { return frozen ? values.distance : live->getDistance(); }
     float getDistanceScale() const noexcept override {
-        return frozen ? values.speaker.distanceScale : live->getDistanceScale();
+        return frozen ? values.distanceScale : live->getDistanceScale();
     }
     float getReflectionGainDb() const noexcept override {
-        return frozen ? values.speaker.reflectionGainDb : live->getReflectionGainDb();
+        return frozen ? values.reflectionGainDb : live->getReflectionGainDb();
     }
     float getCeilingDistance() const noexcept override {
-        return frozen ? values.speaker.ceilingDistance : live->getCeilingDistance();
+        return frozen ? values.ceilingDistance : live->getCeilingDistance();
     }
     float getFloorDistance() const noexcept override {
-        return frozen ? values.speaker.floorDistance : live->getFloorDistance();
+        return frozen ? values.floorDistance : live->getFloorDistance();
     }
     float getRightDistance() const noexcept override {
-        return frozen ? values.speaker.rightDistance : live->getRightDistance();
+        return frozen ? values.rightDistance : live->getRightDistance();
     }
     float getLeftDistance() const noexcept override {
-        return frozen ? values.speaker.leftDistance : live->getLeftDistance();
+        return frozen ? values.leftDistance : live->getLeftDistance();
     }
     float getFrontDistance() const noexcept override {
-        return frozen ? values.speaker.frontDistance : live->getFrontDistance();
+        return frozen ? values.frontDistance : live->getFrontDistance();
     }
     float getBackDistance() const noexcept override {
-        return frozen ? values.speaker.backDistance : live->getBackDistance();
+        return frozen ? values.backDistance : live->getBackDistance();
     }
     float getReflectionHighPassFrequency() const noexcept override {
-        return frozen ? values.speaker.reflectionHighPassFrequency : live->getReflectionHighPassFrequency();
+        return frozen ? values.reflectionHighPassFrequency : live->getReflectionHighPassFrequency();
     }
-    float getClarity() const noexcept override {
-        return frozen ? values.speaker.clarity : live->getClarity();
-    }
+    float getClarity() const noexcept override { return frozen ? values.clarity : live->getClarity(); }
     float getReverbGainDb() const noexcept override {
         return frozen ? values.reverbGainDb : live->getReverbGainDb();
     }
@@ -120,7 +109,28 @@ public:
 
 private:
     struct Values {
-        SpeakerValues speaker;
+        float azimuth = 0;
+        float elevation = 0;
+        float directGainDb = 0;
+        float spatialValue4 = 0;
+        float attenuationValue = 0;
+        float reflectionLowPassFrequency = 0;
+        float distanceLevel = 0;
+        float farFade = 0;
+        float attenuationDb = 0;
+        float azimuthExponent = 0;
+        float floorLevelDb = 0;
+        float distance = 0;
+        float distanceScale = 0;
+        float reflectionGainDb = 0;
+        float ceilingDistance = 0;
+        float floorDistance = 0;
+        float rightDistance = 0;
+        float leftDistance = 0;
+        float frontDistance = 0;
+        float backDistance = 0;
+        float reflectionHighPassFrequency = 0;
+        float clarity = 0;
         float reverbGainDb = 0;
         float reverbLowPassFrequency = 0;
         float reverbDecayPercent = 0;
@@ -130,7 +140,28 @@ private:
 
     static Values valuesOf(const IParameterSet& set) noexcept ORVANE_REALTIME {
         return {
-            .speaker = speakerValuesOf(set),
+            .azimuth = set.getAzimuth(),
+            .elevation = set.getElevation(),
+            .directGainDb = set.getDirectGainDb(),
+            .spatialValue4 = set.getSpatialValue4(),
+            .attenuationValue = set.getAttenuationValue(),
+            .reflectionLowPassFrequency = set.getReflectionLowPassFrequency(),
+            .distanceLevel = set.getDistanceLevel(),
+            .farFade = set.getFarFade(),
+            .attenuationDb = set.getAttenuationDb(),
+            .azimuthExponent = set.getAzimuthExponent(),
+            .floorLevelDb = set.getFloorLevelDb(),
+            .distance = set.getDistance(),
+            .distanceScale = set.getDistanceScale(),
+            .reflectionGainDb = set.getReflectionGainDb(),
+            .ceilingDistance = set.getCeilingDistance(),
+            .floorDistance = set.getFloorDistance(),
+            .rightDistance = set.getRightDistance(),
+            .leftDistance = set.getLeftDistance(),
+            .frontDistance = set.getFrontDistance(),
+            .backDistance = set.getBackDistance(),
+            .reflectionHighPassFrequency = set.getReflectionHighPassFrequency(),
+            .clarity = set.getClarity(),
             .reverbGainDb = set.getReverbGainDb(),
             .reverbLowPassFrequency = set.getReverbLowPassFrequency(),
             .reverbDecayPercent = set.getReverbDecayPercent(),

@@ -10,8 +10,7 @@ SpeakerViewSnapshot::SpeakerViewSnapshot(const ISpeakerParameterSetView* view, c
     : view(view), hrir(hrir), values(present()) {}
 
 bool SpeakerViewSnapshot::take() noexcept {
-    static_assert(sizeof(Values) ==
-                      sizeof(HeadRotationMatrix) + sizeof(SpeakerValues) + sizeof(std::uint64_t),
+    static_assert(sizeof(Values) == sizeof(HeadRotationMatrix) + 22 * sizeof(float) + sizeof(std::uint64_t),
                   "padding would be compared");
     const Values now = present();
     const bool same = std::exchange(taken, true) && std::memcmp(&now, &values, sizeof(Values)) == 0;
@@ -20,9 +19,32 @@ bool SpeakerViewSnapshot::take() noexcept {
 }
 
 SpeakerViewSnapshot::Values SpeakerViewSnapshot::present() const noexcept {
-    return {.headRotation = view->getHeadRotation(),
-            .speaker = speakerValuesOf(*view),
-            .generation = hrir->generation()};
+    return {
+        .headRotation = view->getHeadRotation(),
+        .azimuth = view->getAzimuth(),
+        .elevation = view->getElevation(),
+        .directGainDb = view->getDirectGainDb(),
+        .spatialValue4 = view->getSpatialValue4(),
+        .attenuationValue = view->getAttenuationValue(),
+        .reflectionLowPassFrequency = view->getReflectionLowPassFrequency(),
+        .distanceLevel = view->getDistanceLevel(),
+        .farFade = view->getFarFade(),
+        .attenuationDb = view->getAttenuationDb(),
+        .azimuthExponent = view->getAzimuthExponent(),
+        .floorLevelDb = view->getFloorLevelDb(),
+        .distance = view->getDistance(),
+        .distanceScale = view->getDistanceScale(),
+        .reflectionGainDb = view->getReflectionGainDb(),
+        .ceilingDistance = view->getCeilingDistance(),
+        .floorDistance = view->getFloorDistance(),
+        .rightDistance = view->getRightDistance(),
+        .leftDistance = view->getLeftDistance(),
+        .frontDistance = view->getFrontDistance(),
+        .backDistance = view->getBackDistance(),
+        .reflectionHighPassFrequency = view->getReflectionHighPassFrequency(),
+        .clarity = view->getClarity(),
+        .generation = hrir->generation(),
+    };
 }
 
 } // namespace orvane::kestrum::core

@@ -3,7 +3,7 @@
 
 #include "base/IHrir.h"
 #include "parameters/IViewSnapshot.h"
-#include "parameters/core/SpeakerValues.h"
+#include "parameters/core/ISpeakerParameterSetView.h"
 
 #include <cstdint>
 
@@ -22,39 +22,60 @@ public:
 
     bool take() noexcept ORVANE_REALTIME override;
 
-    float getAzimuth() const noexcept override { return values.speaker.azimuth; }
-    float getElevation() const noexcept override { return values.speaker.elevation; }
-    float getDirectGainDb() const noexcept override { return values.speaker.directGainDb; }
-    float getSpatialValue4() const noexcept override { return values.speaker.spatialValue4; }
-    float getAttenuationValue() const noexcept override { return values.speaker.attenuationValue; }
+    float getAzimuth() const noexcept override { return values.azimuth; }
+    float getElevation() const noexcept override { return values.elevation; }
+    float getDirectGainDb() const noexcept override { return values.directGainDb; }
+    float getSpatialValue4() const noexcept override { return values.spatialValue4; }
+    float getAttenuationValue() const noexcept override { return values.attenuationValue; }
     float getReflectionLowPassFrequency() const noexcept override {
-        return values.speaker.reflectionLowPassFrequency;
+        return values.reflectionLowPassFrequency;
     }
-    float getDistanceLevel() const noexcept override { return values.speaker.distanceLevel; }
-    float getFarFade() const noexcept override { return values.speaker.farFade; }
-    float getAttenuationDb() const noexcept override { return values.speaker.attenuationDb; }
+    float getDistanceLevel() const noexcept override { return values.distanceLevel; }
+    float getFarFade() const noexcept override { return values.farFade; }
+    float getAttenuationDb() const noexcept override { return values.attenuationDb; }
     HeadRotationMatrix getHeadRotation() const noexcept override { return values.headRotation; }
-    float getAzimuthExponent() const noexcept override { return values.speaker.azimuthExponent; }
-    float getFloorLevelDb() const noexcept override { return values.speaker.floorLevelDb; }
-    float getDistance() const noexcept override { return values.speaker.distance; }
-    float getDistanceScale() const noexcept override { return values.speaker.distanceScale; }
-    float getReflectionGainDb() const noexcept override { return values.speaker.reflectionGainDb; }
-    float getCeilingDistance() const noexcept override { return values.speaker.ceilingDistance; }
-    float getFloorDistance() const noexcept override { return values.speaker.floorDistance; }
-    float getRightDistance() const noexcept override { return values.speaker.rightDistance; }
-    float getLeftDistance() const noexcept override { return values.speaker.leftDistance; }
-    float getFrontDistance() const noexcept override { return values.speaker.frontDistance; }
-    float getBackDistance() const noexcept override { return values.speaker.backDistance; }
+    float getAzimuthExponent() const noexcept override { return values.azimuthExponent; }
+    float getFloorLevelDb() const noexcept override { return values.floorLevelDb; }
+    float getDistance() const noexcept override { return values.distance; }
+    float getDistanceScale() const noexcept override { return values.distanceScale; }
+    float getReflectionGainDb() const noexcept override { return values.reflectionGainDb; }
+    float getCeilingDistance() const noexcept override { return values.ceilingDistance; }
+    float getFloorDistance() const noexcept override { return values.floorDistance; }
+    float getRightDistance() const noexcept override { return values.rightDistance; }
+    float getLeftDistance() const noexcept override { return values.leftDistance; }
+    float getFrontDistance() const noexcept override { return values.frontDistance; }
+    float getBackDistance() const noexcept override { return values.backDistance; }
     float getReflectionHighPassFrequency() const noexcept override {
-        return values.speaker.reflectionHighPassFrequency;
+        return values.reflectionHighPassFrequency;
     }
-    float getClarity() const noexcept override { return values.speaker.clarity; }
+    float getClarity() const noexcept override { return values.clarity; }
 
 private:
     /// Compared as bytes: nothing but 32-bit fields, an even number of them in front of the generation.
     struct Values {
         HeadRotationMatrix headRotation = identityRotation;
-        SpeakerValues speaker;
+        float azimuth = 0;
+        float elevation = 0;
+        float directGainDb = 0;
+        float spatialValue4 = 0;
+        float attenuationValue = 0;
+        float reflectionLowPassFrequency = 0;
+        float distanceLevel = 0;
+        float farFade = 0;
+        float attenuationDb = 0;
+        float azimuthExponent = 0;
+        float floorLevelDb = 0;
+        float distance = 0;
+        float distanceScale = 0;
+        float reflectionGainDb = 0;
+        float ceilingDistance = 0;
+        float floorDistance = 0;
+        float rightDistance = 0;
+        float leftDistance = 0;
+        float frontDistance = 0;
+        float backDistance = 0;
+        float reflectionHighPassFrequency = 0;
+        float clarity = 0;
         std::uint64_t generation = 0;
     };
 
