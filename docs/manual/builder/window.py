@@ -6,7 +6,7 @@ from base64 import b64encode
 from .svg import DARK, INK, TEAL, element, picture, text
 
 WIDTH, HEIGHT = 1080, 660
-# x, y, width, height in the window; the middle of each carries no number, the corner does.
+# Name, and x, y, width, height in the window.
 CONTROLS = [("SPEAKER SETUP", 12, 571, 107, 24), ("SCENE", 282, 571, 107, 24), ("", 391, 570, 48, 24), ("AMBIENCE", 460, 569, 156, 24),
             ("FOCUS", 640, 569, 156, 24), ("HEAD ROTATION", 864, 558, 72, 72), ("MASTER", 990, 558, 72, 72),
             ("", 892, 10, 180, 70), ("", 0, 636, 120, 24), ("", 1056, 636, 24, 24)]
