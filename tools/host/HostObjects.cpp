@@ -96,7 +96,11 @@ tresult ComponentHandler::beginEdit(Vst::ParamID) {
     return kResultOk;
 }
 
-tresult ComponentHandler::performEdit(Vst::ParamID, Vst::ParamValue) { return kResultOk; }
+tresult ComponentHandler::performEdit(Vst::ParamID id, Vst::ParamValue value) {
+    ++editCount;
+    queue({id, value});
+    return kResultOk;
+}
 
 tresult ComponentHandler::endEdit(Vst::ParamID) {
     ++gestureCount;
@@ -104,6 +108,16 @@ tresult ComponentHandler::endEdit(Vst::ParamID) {
 }
 
 tresult ComponentHandler::restartComponent(int32) { return kResultOk; }
+
+void ComponentHandler::queue(ParameterEdit edit) {
+    const std::lock_guard lock(mutex);
+    waiting.push_back(edit);
+}
+
+std::vector<ParameterEdit> ComponentHandler::takeWaiting() {
+    const std::lock_guard lock(mutex);
+    return std::exchange(waiting, {});
+}
 
 tresult ParameterQueue::getPoint(int32 index, int32& offset, Vst::ParamValue& value) {
     if (index < 0 || index >= getPointCount())

@@ -7,6 +7,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <map>
+#include <mutex>
 #include <span>
 #include <string>
 #include <variant>
@@ -55,7 +56,13 @@ public:
     Steinberg::tresult PLUGIN_API createInstance(TUID classId, TUID interface, void** object) override;
 };
 
-/// Takes what the plug-in tells its host. Plug-ins call it from threads of their own, hence the atomics.
+/// One value that a parameter has taken.
+struct ParameterEdit {
+    Vst::ParamID id;
+    Vst::ParamValue value;
+};
+
+/// Takes what the plug-in tells its host. Plug-ins call it from threads of their own, hence atomics and mutex.
 class ComponentHandler final : public HostObject<Vst::IComponentHandler> {
 public:
     Steinberg::tresult PLUGIN_API beginEdit(Vst::ParamID id) override;
@@ -63,7 +70,17 @@ public:
     Steinberg::tresult PLUGIN_API endEdit(Vst::ParamID id) override;
     Steinberg::tresult PLUGIN_API restartComponent(Steinberg::int32 flags) override;
 
+    /// Adds a value to those that the processing half is still to learn.
+    void queue(ParameterEdit edit);
+    /// @return the waiting values, oldest first; none are left.
+    std::vector<ParameterEdit> takeWaiting();
+
     std::atomic<std::uint32_t> gestureCount{0}; ///< beginEdit and endEdit calls so far.
+    std::atomic<std::uint32_t> editCount{0};    ///< performEdit calls so far.
+
+private:
+    std::mutex mutex;
+    std::vector<ParameterEdit> waiting;
 };
 
 /// The values of one parameter within a block.

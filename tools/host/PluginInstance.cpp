@@ -168,6 +168,10 @@ void PluginInstance::Parts::takeApart() noexcept {
 }
 
 void PluginInstance::Parts::run(Vst::ProcessData& data) {
+    for (const auto& edit : handler->takeWaiting()) {
+        int32 index = 0;
+        incoming->addParameterData(edit.id, index)->addPoint(0, edit.value, index);
+    }
     data.processMode = processMode;
     data.symbolicSampleSize = Vst::kSample32;
     data.inputParameterChanges = incoming.get();
@@ -258,8 +262,11 @@ std::string PluginInstance::textOf(std::uint32_t id, double normalized) const {
 
 void PluginInstance::setParameter(std::uint32_t id, double normalized) {
     parts->controller->setParamNormalized(id, normalized);
-    int32 index = 0;
-    parts->incoming->addParameterData(id, index)->addPoint(0, normalized, index);
+    parts->handler->queue({id, normalized});
+}
+
+void PluginInstance::automate(std::uint32_t id, double normalized) {
+    parts->handler->queue({id, normalized});
 }
 
 void PluginInstance::flushParameters() {
@@ -331,5 +338,8 @@ void PluginInstance::setState(const PluginState& state) {
 }
 
 std::uint32_t PluginInstance::gestureCount() const { return parts->handler->gestureCount; }
+std::uint32_t PluginInstance::editCount() const { return parts->handler->editCount; }
+
+Vst::IEditController& PluginInstance::controller() const { return *parts->controller.get(); }
 
 } // namespace orvane::kestrum::host

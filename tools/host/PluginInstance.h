@@ -9,12 +9,17 @@
 #include <string>
 #include <vector>
 
+namespace Steinberg::Vst {
+class IEditController;
+}
+
 namespace orvane::kestrum::host {
 
 /// One effect of a module, made and handled as an audio workstation does it: both halves created, initialised
 /// and connected; parameters told to the editing half at once and to the processing half with the next block.
 ///
-/// Thread  one thread; the plug-in may run threads of its own.
+/// Thread  one thread, which is the window's too; the plug-in may run threads of its own. automate(), process()
+///         and flushParameters() may instead all be called from one other thread, as an audio driver does it.
 /// Errors  HostError; see the constructor and the operations.
 class PluginInstance final : public IPlugin {
 public:
@@ -42,6 +47,9 @@ public:
     double normalizedValue(std::uint32_t id) const override;
     std::string textOf(std::uint32_t id, double normalized) const override;
     void setParameter(std::uint32_t id, double normalized) override;
+    /// The same as a session's automation does it: only the processing half learns it, with the next block or
+    /// flush.
+    void automate(std::uint32_t id, double normalized);
     void flushParameters() override;
 
     /// @throws HostError when the plug-in refuses the setup.
@@ -61,8 +69,13 @@ public:
 
     /// How often the plug-in has begun or ended a gesture on a parameter.
     std::uint32_t gestureCount() const;
+    /// How many parameter values the plug-in's own window has sent.
+    std::uint32_t editCount() const;
 
 private:
+    friend class EditorWindow;
+    Steinberg::Vst::IEditController& controller() const;
+
     struct Parts;
     std::unique_ptr<Parts> parts;
 };

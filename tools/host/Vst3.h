@@ -9,6 +9,8 @@
 
 #include <pluginterfaces/base/ibstream.h>
 #include <pluginterfaces/base/ipluginbase.h>
+#include <pluginterfaces/gui/iplugview.h>
+#include <pluginterfaces/gui/iplugviewcontentscalesupport.h>
 #include <pluginterfaces/vst/ivstattributes.h>
 #include <pluginterfaces/vst/ivstaudioprocessor.h>
 #include <pluginterfaces/vst/ivstcomponent.h>
@@ -88,6 +90,18 @@ inline const char* interfaceId<Vst::IParamValueQueue>() {
 template <>
 inline const char* interfaceId<Vst::IParameterChanges>() {
     return Vst::IParameterChanges_iid;
+}
+template <>
+inline const char* interfaceId<Steinberg::IPlugFrame>() {
+    return Steinberg::IPlugFrame_iid;
+}
+template <>
+inline const char* interfaceId<Steinberg::Linux::IRunLoop>() {
+    return Steinberg::Linux::IRunLoop_iid;
+}
+template <>
+inline const char* interfaceId<Steinberg::IPlugViewContentScaleSupport>() {
+    return Steinberg::IPlugViewContentScaleSupport_iid;
 }
 
 /// Shared owner of an object that counts its own references.
