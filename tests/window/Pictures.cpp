@@ -16,7 +16,7 @@ namespace {
 
 // The glyph edges of another version of the framework or of the font library move by a few levels; a control in the
 // wrong place or a wrong value moves hundreds of pixels by far more.
-constexpr int tolerance = 24;
+constexpr int glyphTolerance = 24;
 constexpr double allowedShare = 0.002;
 
 std::filesystem::path storedPicture(std::string_view name) {
@@ -77,7 +77,7 @@ Image shrink(const Image& image, int divisor) {
     return small;
 }
 
-Difference compare(const Image& first, const Image& second, int allowed) {
+Difference compare(const Image& first, const Image& second, int tolerance) {
     if (first.width != second.width || first.height != second.height)
         throw std::runtime_error("The pictures differ in size: " + std::to_string(first.width) + " x " +
                                  std::to_string(first.height) + " and " + std::to_string(second.width) +
@@ -91,32 +91,32 @@ Difference compare(const Image& first, const Image& second, int allowed) {
         result.largest = std::max(result.largest, largest);
         for (std::size_t colour = at; colour < at + 3; ++colour)
             result.picture.pixels[colour] =
-                largest > allowed ? std::uint8_t{255} : static_cast<std::uint8_t>(first.pixels[colour] / 3);
-        beyond += largest > allowed ? 1 : 0;
+                largest > tolerance ? std::uint8_t{255} : static_cast<std::uint8_t>(first.pixels[colour] / 3);
+        beyond += largest > tolerance ? 1 : 0;
     }
     result.shareBeyond = static_cast<double>(beyond * 3) / static_cast<double>(first.pixels.size());
     return result;
 }
 
-int countOf(const Image& image, int red, int green, int blue, int allowed) {
+int countOf(const Image& image, int red, int green, int blue, int tolerance) {
     int count = 0;
     for (std::size_t at = 0; at < image.pixels.size(); at += 3)
-        if (std::abs(image.pixels[at] - red) <= allowed &&
-            std::abs(image.pixels[at + 1] - green) <= allowed &&
-            std::abs(image.pixels[at + 2] - blue) <= allowed)
+        if (std::abs(image.pixels[at] - red) <= tolerance &&
+            std::abs(image.pixels[at + 1] - green) <= tolerance &&
+            std::abs(image.pixels[at + 2] - blue) <= tolerance)
             ++count;
     return count;
 }
 
-ContactSheet::ContactSheet(int columnCount, int rows, int width, int height)
-    : columns(columnCount),
-      cellWidth(width),
-      cellHeight(height),
-      sheet(columnCount * (width + gap) + gap, rows * (height + gap) + gap) {}
+ContactSheet::ContactSheet(int columns, int rows, int cellWidth, int cellHeight)
+    : columnCount(columns),
+      width(cellWidth),
+      height(cellHeight),
+      sheet(columns * (cellWidth + gap) + gap, rows * (cellHeight + gap) + gap) {}
 
 void ContactSheet::add(const Image& picture) {
-    paste(cut(picture, 0, 0, cellWidth, cellHeight), sheet, gap + next % columns * (cellWidth + gap),
-          gap + next / columns * (cellHeight + gap));
+    paste(cut(picture, 0, 0, width, height), sheet, gap + next % columnCount * (width + gap),
+          gap + next / columnCount * (height + gap));
     ++next;
 }
 
@@ -129,7 +129,7 @@ void expectLooksLike(const Image& seen, std::string_view name) {
         const Image expected = readPng(stored);
         reason = "the stored picture has another size";
         if (expected.width == seen.width && expected.height == seen.height) {
-            const auto difference = compare(seen, expected, tolerance);
+            const auto difference = compare(seen, expected, glyphTolerance);
             if (difference.shareBeyond <= allowedShare)
                 return;
             writePng(difference.picture, folder / (std::string(name) + "-difference.png"));

@@ -39,9 +39,9 @@ public:
 
 private:
     static constexpr int gap = 4;
-    int columns;
-    int cellWidth;
-    int cellHeight;
+    int columnCount;
+    int width;
+    int height;
     int next = 0;
     Image sheet;
 };

@@ -1,13 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "WindowFixture.h"
 
-#include "render/Controls.h"
-#include "render/Names.h"
-
 #include <atomic>
+#include <exception>
 #include <stdexcept>
 #include <string>
 #include <thread>
+#include <utility>
 
 namespace orvane::kestrum::host::test {
 
@@ -27,9 +26,7 @@ const ParameterInfo& parameterOf(const PluginInstance& plugin, std::string_view 
 
 } // namespace
 
-std::shared_ptr<Module> loadBundle() { return std::make_shared<Module>(KESTRUM_BUNDLE); }
-
-std::unique_ptr<PluginInstance> makeInstance(unsigned inputs) {
+std::unique_ptr<PluginInstance> makePlugin(unsigned inputs) {
     auto plugin = std::make_unique<PluginInstance>(loadBundle());
     plugin->setChannelCounts(inputs, 2);
     return plugin;
@@ -44,10 +41,8 @@ std::string text(const PluginInstance& plugin, std::string_view parameter) {
     return plugin.textOf(id, plugin.normalizedValue(id));
 }
 
-void set(PluginInstance& plugin, std::string_view parameter, std::string_view value) {
-    const render::Controls controls(plugin, render::layoutChoices(), render::sceneChoices());
-    const auto resolved = controls.resolve(parameter, value);
-    plugin.setParameter(resolved.id, resolved.normalized);
+void setAndSend(PluginInstance& plugin, std::string_view parameter, std::string_view value) {
+    set(plugin, parameter, value);
     plugin.flushParameters();
 }
 

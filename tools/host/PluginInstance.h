@@ -10,8 +10,9 @@
 #include <vector>
 
 namespace Steinberg::Vst {
+// NOLINTNEXTLINE(cppcoreguidelines-virtual-class-destructor): ends by its release()
 class IEditController;
-}
+} // namespace Steinberg::Vst
 
 namespace orvane::kestrum::host {
 
