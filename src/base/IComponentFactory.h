@@ -26,14 +26,22 @@ class ISpatialProcessor;
 
 namespace orvane::kestrum::core {
 
+class IBackgroundImage;
+class IBusesLayout;
+class IHeadRotationAccessor;
 class IParameterMapper;
 class IParameterSet;
+class IPresenter;
 class IReverbParameterView;
+class ISelector;
 class ISelectorFallback;
 class ISelectorValue;
+class ISlider;
 class ISliderValue;
 class ISpeakerParameterSetView;
 class ISpeakerPropertiesConverter;
+class ITimer;
+class IToggle;
 class IToggleValue;
 
 /// Makes every object of the product. Stateless: one instance serves every thread.
@@ -55,6 +63,22 @@ public:
     virtual std::unique_ptr<ISliderValue> createAtomicSliderValue(float value) const = 0;
     virtual std::unique_ptr<ISelectorValue> createSelectorValue(std::uint32_t id) const = 0;
     virtual std::unique_ptr<ISupportedLayouts> createSupportedLayouts() const = 0;
+
+    // Presenters are made on the message thread.
+    virtual std::unique_ptr<IPresenter> createTogglePresenter(IToggleValue* value,
+                                                              std::unique_ptr<IToggle> toggle) const = 0;
+    virtual std::unique_ptr<IPresenter> createSliderPresenter(ISliderValue* value,
+                                                              std::unique_ptr<ISlider> slider) const = 0;
+    virtual std::unique_ptr<IPresenter>
+    createScenePresenter(ISelectorValue* scene, std::unique_ptr<ISelector> selector,
+                         std::unique_ptr<ISlider> ambience,
+                         std::unique_ptr<IBackgroundImage> background) const = 0;
+    virtual std::unique_ptr<IPresenter>
+    createSpeakerSetupPresenter(IBusesLayout* buses, ISelectorValue* speakerSetup,
+                                std::unique_ptr<ISelector> selector) const = 0;
+    virtual std::unique_ptr<IPresenter>
+    createHeadRotationPresenter(IHeadRotationAccessor* accessor, std::unique_ptr<ITimer> timer,
+                                ISliderValue* headRotation, std::unique_ptr<ISlider> slider) const = 0;
 
     virtual std::unique_ptr<IParameterMapper> createSpeakerSetupMapper(ISelectorValue* speakerSetup,
                                                                        IParameterSet* parameterSet) const = 0;

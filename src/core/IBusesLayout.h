@@ -7,7 +7,7 @@ class ISupportedLayouts;
 
 /// What views have to know of the plug-in's buses.
 ///
-/// Thread  the one on which the host changes buses: the listener set is guarded by nothing.
+/// Thread  listeners come and go on the message thread and are called on the one on which the host changes buses.
 class IBusesLayout {
 public:
     class BusesLayoutListener {

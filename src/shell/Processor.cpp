@@ -173,8 +173,8 @@ void Processor::setStateInformation(const void* data, int size) {
 
 void Processor::numChannelsChanged() {
     const int inputChannelCount = getNumberOfInputChannels();
-    for (auto* const listener : busesLayoutListeners)
-        listener->busesLayoutChanged(inputChannelCount);
+    busesLayoutListeners.notify(
+        [&](BusesLayoutListener& listener) { listener.busesLayoutChanged(inputChannelCount); });
 }
 
 bool Processor::isBusesLayoutSupported(const BusesLayout& layout) const {
@@ -182,12 +182,10 @@ bool Processor::isBusesLayoutSupported(const BusesLayout& layout) const {
     return layout.getMainOutputChannelSet() == juce::AudioChannelSet::stereo();
 }
 
-void Processor::addBusesLayoutListener(BusesLayoutListener* listener) {
-    busesLayoutListeners.insert(listener);
-}
+void Processor::addBusesLayoutListener(BusesLayoutListener* listener) { busesLayoutListeners.add(listener); }
 
 void Processor::removeBusesLayoutListener(BusesLayoutListener* listener) {
-    busesLayoutListeners.erase(listener);
+    busesLayoutListeners.remove(listener);
 }
 
 int Processor::getNumberOfInputChannels() const { return getMainBusNumInputChannels(); }

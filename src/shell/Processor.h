@@ -7,6 +7,7 @@
 #include "ipc/IOrvaneParameterClient.h"
 #include "parameters/core/IParameterMapper.h"
 #include "parameters/core/IParameterSet.h"
+#include "parameters/core/ListenerSet.h"
 #include "ui/IFactory.h"
 #include "ui/IParameterPresenter.h"
 #include "ui/IProcessor.h"
@@ -18,7 +19,6 @@
 #include <functional>
 #include <initializer_list>
 #include <memory>
-#include <set>
 #include <string>
 #include <vector>
 
@@ -93,7 +93,7 @@ private:
     void updateRenderingParameters();
 
     juce::String name;
-    std::set<BusesLayoutListener*> busesLayoutListeners;
+    core::ListenerSet<BusesLayoutListener> busesLayoutListeners;
     std::unique_ptr<core::IComponentFactory> componentFactory;
     std::unique_ptr<IFactory> factory;
     std::unique_ptr<core::ISupportedLayouts> supportedLayouts;

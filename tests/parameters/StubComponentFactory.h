@@ -2,6 +2,12 @@
 #pragma once
 
 #include "base/IComponentFactory.h"
+#include "core/IBackgroundImage.h"
+#include "core/IPresenter.h"
+#include "core/ISelector.h"
+#include "core/ISlider.h"
+#include "core/ITimer.h"
+#include "core/IToggle.h"
 #include "parameters/core/SpeakerPropertiesConverter.h"
 #include "room/IReverbFilter.h"
 
@@ -17,6 +23,9 @@ class StubComponentFactory : public orvane::kestrum::core::IComponentFactory {
     using InPlace = orvane::IInPlaceProcessor;
     using Layouts = orvane::kestrum::core::ISupportedLayouts;
     using Mapper = orvane::kestrum::core::IParameterMapper;
+    using Presenter = orvane::kestrum::core::IPresenter;
+    using SelectorWidget = orvane::kestrum::core::ISelector;
+    using SliderWidget = orvane::kestrum::core::ISlider;
     using Position = orvane::SpatialPosition;
     using Selector = orvane::kestrum::core::ISelectorValue;
     using Set = orvane::kestrum::core::IParameterSet;
@@ -45,6 +54,30 @@ public:
     Owned<Slider> createAtomicSliderValue(float /*value*/) const override { refuse(); }
     Owned<Selector> createSelectorValue(std::uint32_t /*id*/) const override { refuse(); }
     Owned<Layouts> createSupportedLayouts() const override { refuse(); }
+    Owned<Presenter> createTogglePresenter(orvane::kestrum::core::IToggleValue* /*value*/,
+                                           Owned<orvane::kestrum::core::IToggle> /*toggle*/) const override {
+        refuse();
+    }
+    Owned<Presenter> createSliderPresenter(Slider* /*value*/, Owned<SliderWidget> /*slider*/) const override {
+        refuse();
+    }
+    Owned<Presenter>
+    createScenePresenter(Selector* /*scene*/, Owned<SelectorWidget> /*selector*/,
+                         Owned<SliderWidget> /*ambience*/,
+                         Owned<orvane::kestrum::core::IBackgroundImage> /*background*/) const override {
+        refuse();
+    }
+    Owned<Presenter> createSpeakerSetupPresenter(orvane::kestrum::core::IBusesLayout* /*buses*/,
+                                                 Selector* /*setup*/,
+                                                 Owned<SelectorWidget> /*selector*/) const override {
+        refuse();
+    }
+    Owned<Presenter> createHeadRotationPresenter(orvane::kestrum::core::IHeadRotationAccessor* /*accessor*/,
+                                                 Owned<orvane::kestrum::core::ITimer> /*timer*/,
+                                                 Slider* /*value*/,
+                                                 Owned<SliderWidget> /*slider*/) const override {
+        refuse();
+    }
     Owned<Mapper> createSpeakerSetupMapper(Selector* /*setup*/, Set* /*set*/) const override { refuse(); }
     Owned<Mapper> createSceneMapper(Selector* /*scene*/, Set* /*set*/) const override { refuse(); }
     Owned<Mapper> createMasterGainMapper(Slider* /*value*/, Selector* /*scene*/,

@@ -3,6 +3,12 @@
 
 #include "base/IInPlaceProcessor.h"
 #include "base/ISpatialProcessor.h"
+#include "core/IBackgroundImage.h"
+#include "core/IPresenter.h"
+#include "core/ISelector.h"
+#include "core/ISlider.h"
+#include "core/ITimer.h"
+#include "core/IToggle.h"
 #include "engine/IEngineManager.h"
 #include "engine/assembly/ComponentFactory.h"
 #include "filters/IGenericBiquadFilter.h"
@@ -62,6 +68,32 @@ public:
     }
     std::unique_ptr<core::ISupportedLayouts> createSupportedLayouts() const override {
         return product.createSupportedLayouts();
+    }
+    std::unique_ptr<core::IPresenter>
+    createTogglePresenter(core::IToggleValue* value, std::unique_ptr<core::IToggle> toggle) const override {
+        return product.createTogglePresenter(value, std::move(toggle));
+    }
+    std::unique_ptr<core::IPresenter>
+    createSliderPresenter(core::ISliderValue* value, std::unique_ptr<core::ISlider> slider) const override {
+        return product.createSliderPresenter(value, std::move(slider));
+    }
+    std::unique_ptr<core::IPresenter>
+    createScenePresenter(core::ISelectorValue* scene, std::unique_ptr<core::ISelector> selector,
+                         std::unique_ptr<core::ISlider> ambience,
+                         std::unique_ptr<core::IBackgroundImage> background) const override {
+        return product.createScenePresenter(scene, std::move(selector), std::move(ambience),
+                                            std::move(background));
+    }
+    std::unique_ptr<core::IPresenter>
+    createSpeakerSetupPresenter(core::IBusesLayout* buses, core::ISelectorValue* setup,
+                                std::unique_ptr<core::ISelector> selector) const override {
+        return product.createSpeakerSetupPresenter(buses, setup, std::move(selector));
+    }
+    std::unique_ptr<core::IPresenter>
+    createHeadRotationPresenter(core::IHeadRotationAccessor* accessor, std::unique_ptr<core::ITimer> timer,
+                                core::ISliderValue* value,
+                                std::unique_ptr<core::ISlider> slider) const override {
+        return product.createHeadRotationPresenter(accessor, std::move(timer), value, std::move(slider));
     }
     std::unique_ptr<core::IParameterMapper>
     createSpeakerSetupMapper(core::ISelectorValue* setup, core::IParameterSet* parameterSet) const override {

@@ -7,6 +7,10 @@
 #include "binaural/ConvolutionFactory.h"
 #include "binaural/ReverbConvolutionFactory.h"
 #include "binaural/SpeakerBinauralProcessorBuilder.h"
+#include "core/ScenePresenter.h"
+#include "core/SliderPresenter.h"
+#include "core/SpeakerSetupPresenter.h"
+#include "core/TogglePresenter.h"
 #include "engine/BassReductionProcessor.h"
 #include "engine/EngineManager.h"
 #include "engine/GainCompensationProcessor.h"
@@ -39,6 +43,7 @@
 #include "room/BinauralReverb.h"
 #include "room/ReverbFilterFactory.h"
 #include "room/SpeakerBinauralReverbBuilder.h"
+#include "tracking/HeadRotationPresenter.h"
 #include "tracking/HeadRotationSupported.h"
 
 #include <atomic>
@@ -71,6 +76,38 @@ std::unique_ptr<ISelectorValue> ComponentFactory::createSelectorValue(std::uint3
 
 std::unique_ptr<ISupportedLayouts> ComponentFactory::createSupportedLayouts() const {
     return std::make_unique<SupportedLayouts>(*this);
+}
+
+std::unique_ptr<IPresenter> ComponentFactory::createTogglePresenter(IToggleValue* value,
+                                                                    std::unique_ptr<IToggle> toggle) const {
+    return std::make_unique<TogglePresenter>(value, std::move(toggle));
+}
+
+std::unique_ptr<IPresenter> ComponentFactory::createSliderPresenter(ISliderValue* value,
+                                                                    std::unique_ptr<ISlider> slider) const {
+    return std::make_unique<SliderPresenter>(value, std::move(slider));
+}
+
+std::unique_ptr<IPresenter>
+ComponentFactory::createScenePresenter(ISelectorValue* scene, std::unique_ptr<ISelector> selector,
+                                       std::unique_ptr<ISlider> ambience,
+                                       std::unique_ptr<IBackgroundImage> background) const {
+    return std::make_unique<ScenePresenter>(scene, std::move(selector), std::move(ambience),
+                                            std::move(background));
+}
+
+std::unique_ptr<IPresenter>
+ComponentFactory::createSpeakerSetupPresenter(IBusesLayout* buses, ISelectorValue* speakerSetup,
+                                              std::unique_ptr<ISelector> selector) const {
+    return std::make_unique<SpeakerSetupPresenter>(buses, speakerSetup, std::move(selector));
+}
+
+std::unique_ptr<IPresenter>
+ComponentFactory::createHeadRotationPresenter(IHeadRotationAccessor* accessor, std::unique_ptr<ITimer> timer,
+                                              ISliderValue* headRotation,
+                                              std::unique_ptr<ISlider> slider) const {
+    return std::make_unique<HeadRotationPresenter>(accessor, std::move(timer), headRotation,
+                                                   std::move(slider));
 }
 
 std::unique_ptr<IParameterMapper>

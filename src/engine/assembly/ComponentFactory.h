@@ -23,6 +23,22 @@ public:
     std::unique_ptr<ISelectorValue> createSelectorValue(std::uint32_t id) const override;
     std::unique_ptr<ISupportedLayouts> createSupportedLayouts() const override;
 
+    std::unique_ptr<IPresenter> createTogglePresenter(IToggleValue* value,
+                                                      std::unique_ptr<IToggle> toggle) const override;
+    std::unique_ptr<IPresenter> createSliderPresenter(ISliderValue* value,
+                                                      std::unique_ptr<ISlider> slider) const override;
+    std::unique_ptr<IPresenter>
+    createScenePresenter(ISelectorValue* scene, std::unique_ptr<ISelector> selector,
+                         std::unique_ptr<ISlider> ambience,
+                         std::unique_ptr<IBackgroundImage> background) const override;
+    std::unique_ptr<IPresenter>
+    createSpeakerSetupPresenter(IBusesLayout* buses, ISelectorValue* speakerSetup,
+                                std::unique_ptr<ISelector> selector) const override;
+    std::unique_ptr<IPresenter> createHeadRotationPresenter(IHeadRotationAccessor* accessor,
+                                                            std::unique_ptr<ITimer> timer,
+                                                            ISliderValue* headRotation,
+                                                            std::unique_ptr<ISlider> slider) const override;
+
     std::unique_ptr<IParameterMapper> createSpeakerSetupMapper(ISelectorValue* speakerSetup,
                                                                IParameterSet* parameterSet) const override;
     std::unique_ptr<IParameterMapper> createSceneMapper(ISelectorValue* scene,

@@ -5,8 +5,9 @@ namespace orvane::kestrum::core {
 
 /// A user value on a scale. It outlives every editor and is watched by mappers and presenters.
 ///
-/// Thread  getValue() from any thread, wait-free. setValue() calls listeners on the calling thread and is not
-///         meant for rendering; the listener set is guarded by nothing.
+/// Thread  getValue() from any thread, wait-free. setValue() on any thread, calls listeners on that thread and
+///         is not meant for rendering. Listeners come and go on one thread at a time, while values are set on
+///         others; once removed, a listener is not called any more on any thread.
 class ISliderValue {
 public:
     class Listener {

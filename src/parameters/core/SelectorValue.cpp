@@ -7,8 +7,7 @@ void SelectorValue::setValue(std::uint32_t id) {
     if (id == value.load())
         return;
     value.exchange(id);
-    for (Listener* const listener : listeners)
-        listener->valueChanged();
+    listeners.notify([](Listener& listener) { listener.valueChanged(); });
 }
 
 } // namespace orvane::kestrum::core

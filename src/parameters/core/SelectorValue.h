@@ -2,9 +2,9 @@
 #pragma once
 
 #include "parameters/core/ISelectorValue.h"
+#include "parameters/core/ListenerSet.h"
 
 #include <atomic>
-#include <set>
 
 namespace orvane::kestrum::core {
 
@@ -15,12 +15,12 @@ public:
 
     std::uint32_t getValue() const noexcept override { return value.load(); }
     void setValue(std::uint32_t id) override;
-    void addListener(Listener* listener) override { listeners.insert(listener); }
-    void removeListener(Listener* listener) override { listeners.erase(listener); }
+    void addListener(Listener* listener) override { listeners.add(listener); }
+    void removeListener(Listener* listener) override { listeners.remove(listener); }
 
 private:
     std::atomic<std::uint32_t> value;
-    std::set<Listener*> listeners; ///< Borrowed; called in the order of their addresses.
+    ListenerSet<Listener> listeners; ///< Called in the order of their addresses.
 };
 
 } // namespace orvane::kestrum::core

@@ -2,9 +2,9 @@
 #pragma once
 
 #include "parameters/core/ISliderValue.h"
+#include "parameters/core/ListenerSet.h"
 
 #include <atomic>
-#include <set>
 #include <type_traits>
 
 namespace orvane::kestrum::core::internal {
@@ -21,8 +21,8 @@ class SliderValue final : public ISliderValue {
 public:
     explicit SliderValue(float value) noexcept : value(value) {}
 
-    void addListener(Listener* listener) override { listeners.insert(listener); }
-    void removeListener(Listener* listener) override { listeners.erase(listener); }
+    void addListener(Listener* listener) override { listeners.add(listener); }
+    void removeListener(Listener* listener) override { listeners.remove(listener); }
 
     float getValue() const noexcept override {
         if constexpr (std::is_same_v<Storage, float>)
@@ -39,13 +39,12 @@ public:
             value.store(newValue, std::memory_order_relaxed);
         else
             value.exchange(newValue);
-        for (Listener* const listener : listeners)
-            listener->valueChanged();
+        listeners.notify([](Listener& listener) { listener.valueChanged(); });
     }
 
 private:
     std::atomic<float> value;
-    std::set<Listener*> listeners; ///< Borrowed; called in the order of their addresses.
+    ListenerSet<Listener> listeners; ///< Called in the order of their addresses.
 };
 
 } // namespace orvane::kestrum::core::internal

@@ -7,8 +7,7 @@ void ToggleValue::setValue(bool newValue) {
     if (newValue == getValue())
         return;
     value.store(newValue, std::memory_order_relaxed);
-    for (Listener* const listener : listeners)
-        listener->valueChanged();
+    listeners.notify([](Listener& listener) { listener.valueChanged(); });
 }
 
 } // namespace orvane::kestrum::core

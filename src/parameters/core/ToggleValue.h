@@ -2,9 +2,9 @@
 #pragma once
 
 #include "parameters/core/IToggleValue.h"
+#include "parameters/core/ListenerSet.h"
 
 #include <atomic>
-#include <set>
 
 namespace orvane::kestrum::core {
 
@@ -13,14 +13,14 @@ class ToggleValue final : public IToggleValue {
 public:
     explicit ToggleValue(bool value) noexcept : value(value) {}
 
-    void addListener(Listener* listener) override { listeners.insert(listener); }
-    void removeListener(Listener* listener) override { listeners.erase(listener); }
+    void addListener(Listener* listener) override { listeners.add(listener); }
+    void removeListener(Listener* listener) override { listeners.remove(listener); }
     bool getValue() const noexcept override { return value.load(std::memory_order_relaxed); }
     void setValue(bool newValue) override;
 
 private:
     std::atomic<bool> value;
-    std::set<Listener*> listeners; ///< Borrowed; called in the order of their addresses.
+    ListenerSet<Listener> listeners; ///< Called in the order of their addresses.
 };
 
 } // namespace orvane::kestrum::core
