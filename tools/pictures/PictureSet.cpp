@@ -20,6 +20,8 @@ constexpr std::string_view coincidentPair = "2.0 +/-0°";
 
 /// "2.0 +/-30°" becomes "2.0_+-_30.png".
 std::string fileOf(std::string_view layout) {
+    if (layout == "LRCS")
+        return "layouts/LCRS.png"; // Deliberate: the letters stand in the order from left to right.
     std::string name;
     for (const char character : layout)
         if (character == ' ')
