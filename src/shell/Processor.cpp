@@ -3,6 +3,8 @@
 
 #include "base/SampleBuffer.h"
 #include "parameters/core/Scene.h"
+#include "ui/Editor.h"
+#include "ui/toolbar/WebAddresses.h"
 
 #include <algorithm>
 #include <cstdint>
@@ -48,6 +50,7 @@ Processor::Processor(const juce::String& name, std::unique_ptr<core::IComponentF
                      std::function<std::string()> givenDataDirectory)
     : juce::AudioProcessor(configurations),
       name(name),
+      brevikTool(name.toStdString()),
       componentFactory(std::move(givenComponentFactory)),
       factory(std::move(givenFactory)),
       supportedLayouts(componentFactory->createSupportedLayouts()),
@@ -157,7 +160,16 @@ void Processor::processBlock(juce::AudioBuffer<float>& buffer, juce::MidiBuffer&
     }
 }
 
-juce::AudioProcessorEditor* Processor::createEditor() { return new juce::GenericAudioProcessorEditor(*this); }
+juce::AudioProcessorEditor* Processor::createEditor() {
+    try {
+        auto editor = std::make_unique<Editor>(*this, *componentFactory, *factory);
+        brevikTool.attach(*editor, BrevikPluginTools::web::productInfo, BrevikPluginTools::web::downloads,
+                          BrevikPluginTools::web::maker);
+        return editor.release();
+    } catch (...) {
+        return nullptr; // no window, then: a host is not to be thrown at
+    }
+}
 
 void Processor::getStateInformation(juce::MemoryBlock& destination) {
     if (const auto xml = processorState->toValueTree().createXml(); xml != nullptr)

@@ -12,6 +12,7 @@
 #include "ui/IParameterPresenter.h"
 #include "ui/IProcessor.h"
 #include "ui/IProcessorState.h"
+#include "ui/toolbar/BrevikTool.h"
 
 #include <juce_audio_processors/juce_audio_processors.h>
 
@@ -65,6 +66,7 @@ public:
     bool acceptsMidi() const override { return false; }
     bool producesMidi() const override { return false; }
     bool isMidiEffect() const override { return false; }
+    /// @return null when no editor can be made.
     juce::AudioProcessorEditor* createEditor() override;
     bool hasEditor() const override { return true; }
     int getNumPrograms() override { return 1; }
@@ -93,6 +95,7 @@ private:
     void updateRenderingParameters();
 
     juce::String name;
+    BrevikPluginTools::BrevikTool brevikTool; ///< Gives each editor its help toolbar.
     core::ListenerSet<BusesLayoutListener> busesLayoutListeners;
     std::unique_ptr<core::IComponentFactory> componentFactory;
     std::unique_ptr<IFactory> factory;

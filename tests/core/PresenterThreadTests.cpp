@@ -81,6 +81,7 @@ TEST(PresentersAndThreads, AfterWritesOfTwoThreadsTheViewShowsWhatIsHeld) {
     const SliderPresenter presenter(&value, std::make_unique<LatestSlider>(shown));
     for (int round = 0; round < 300; ++round) {
         std::vector<std::thread> hosts;
+        hosts.reserve(2);
         for (int host = 1; host <= 2; ++host)
             hosts.emplace_back([&value, host, round] {
                 for (int i = 0; i < 20; ++i)
@@ -104,11 +105,12 @@ TEST(PresentersAndThreads, AfterWritesOfTwoThreadsAmbienceAndBackgroundBelongToT
                                    std::make_unique<LatestBackground>(blurred));
     for (int round = 0; round < 300; ++round) {
         std::vector<std::thread> hosts;
-        for (const auto& [first, second] : {std::pair{dry, car}, std::pair{car, dry}})
-            hosts.emplace_back([&value, first, second] {
+        hosts.reserve(2);
+        for (const std::uint32_t last : {car, dry})
+            hosts.emplace_back([&value, dry, car, last] {
                 for (int i = 0; i < 10; ++i) {
-                    value.setValue(first);
-                    value.setValue(second);
+                    value.setValue(last == car ? dry : car);
+                    value.setValue(last);
                 }
             });
         for (auto& host : hosts)

@@ -131,6 +131,7 @@ TEST(ListenerSet, SurvivesManyThreadsWhileListenersComeAndGo) {
     Set set;
     std::atomic<int> calls{0};
     std::vector<std::thread> threads;
+    threads.reserve(20);
     for (int i = 0; i < 20; ++i)
         threads.emplace_back([&] {
             for (int notification = 0; notification < 100; ++notification) {
