@@ -80,7 +80,7 @@ class Plans(unittest.TestCase):
 class Pictures(unittest.TestCase):
     def test_are_well_formed(self):
         layout = layouts.Layout("x", "A & B", (layouts.Speaker(30), layouts.Speaker(-30, 45)))
-        for picture in (cover.drawing(layout), layouts.plan(layout), window.drawing(Path("/nowhere/window.png"))):
+        for picture in (cover.drawing(layout), layouts.plan(layout), window.drawing(None)):
             ElementTree.fromstring(picture)
 
     def test_that_are_drawn_by_hand_are_well_formed(self):
@@ -164,6 +164,12 @@ class Placeholders(unittest.TestCase):
         self.assertIn('src="help-menu.png"', words)
         self.assertIn('<figcaption>The "help" menu.</figcaption>', words)
         self.assertEqual((self.work / "help-menu.png").read_bytes(), b"picture")
+
+    def test_for_a_screenshot_take_the_one_that_tests_compare_with_where_the_documents_have_none(self):
+        (self.root / "tests" / "window" / "pictures").mkdir(parents=True)
+        (self.root / "tests" / "window" / "pictures" / "warning.png").write_bytes(b"compared")
+        self.assertIn('src="warning.png"', self.filled("{{ picture warning.png | The warning. }}"))
+        self.assertEqual((self.work / "warning.png").read_bytes(), b"compared")
 
     def test_that_nobody_knows_are_refused(self):
         with self.assertRaisesRegex(ManualError, '"weather" is no placeholder'):

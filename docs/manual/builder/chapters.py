@@ -108,16 +108,21 @@ class Chapters:
         shutil.copy(source, self.work / name)
         return self.framed(name, caption)
 
+    def screenshot(self, name):
+        """Among the pictures of the documents, or among those that tests compare the window with; None when not taken."""
+        places = [self.root / "docs" / "images" / name, self.root / "tests" / "window" / "pictures" / name]
+        return next((place for place in places if place.is_file()), None)
+
     def picture(self, name, caption, width="100%"):
         """A screenshot so wide; nothing where it has not been taken."""
-        source = self.root / "docs" / "images" / name
-        if not source.is_file():
+        source = self.screenshot(name)
+        if source is None:
             return ""
         shutil.copy(source, self.work / name)
         return self.framed(name, caption, "screenshot", width)
 
     def window(self, caption):
-        drawing = window.drawing(self.root / "docs" / "images" / "window.png")
+        drawing = window.drawing(self.screenshot("mix-room.png"))
         return self.framed(self.write("window.svg", drawing), caption, "window")
 
     @staticmethod

@@ -39,8 +39,8 @@ def badges():
 
 
 def drawing(screenshot):
-    """@param screenshot path of a PNG of the whole window, which need not exist."""
-    if screenshot.is_file():
+    """@param screenshot path of a PNG of the whole window, or None."""
+    if screenshot:
         data = b64encode(screenshot.read_bytes()).decode()
         under = [f'<image x="0" y="0" width="{WIDTH}" height="{HEIGHT}" xlink:href="data:image/png;base64,{data}"/>']
     else:
