@@ -123,7 +123,7 @@ class Chapters:
 
     def window(self, caption):
         drawing = window.drawing(self.screenshot("mix-room.png"))
-        return self.framed(self.write("window.svg", drawing), caption, "window")
+        return self.framed(self.write("window.svg", drawing), caption, "window", "91%")
 
     @staticmethod
     def framed(address, caption, kind="drawing", width="100%"):
