@@ -2,6 +2,8 @@
 # kestrum_test(<name> SOURCES ... LINK ... [LABELS ...] [SERIAL] [TIMEOUT <seconds>])
 # One GoogleTest program; every test case becomes a CTest entry "<name>.<Suite>.<Case>". SERIAL tests run
 # alone: they change something global of the machine (the rotation segment), which every plug-in instance looks at.
+# No test meets a screen that it has not made: without the variable, the framework looks for the machine's first one,
+# which may be another test's and end any moment.
 function(kestrum_test name)
     cmake_parse_arguments(arg "SERIAL" "TIMEOUT" "SOURCES;LINK;LABELS" ${ARGN})
     add_executable(${name}_tests ${arg_SOURCES})
@@ -9,7 +11,7 @@ function(kestrum_test name)
                                                 GTest::gmock GTest::gtest_main)
     # One label, such as "engine_life-slow", since discovery takes a list of labels apart; ctest matches parts of it.
     string(JOIN "-" label ${name} ${arg_LABELS})
-    set(properties LABELS ${label})
+    set(properties LABELS ${label} ENVIRONMENT DISPLAY=none)
     if(arg_SERIAL)
         list(APPEND properties RUN_SERIAL TRUE)
     endif()

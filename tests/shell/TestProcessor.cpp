@@ -22,10 +22,11 @@ namespace test {
 
 namespace {
 
-/// The tests are to run where there is no screen; a screen that happens to be there must not be touched.
+/// The tests are to run where there is no screen; a screen that happens to be there must not be touched. Without the
+/// variable the framework would look for the first screen of the machine, which may be another test's.
 class NoScreen final : public ::testing::Environment {
 public:
-    void SetUp() override { unsetenv("DISPLAY"); }
+    void SetUp() override { setenv("DISPLAY", "none", 1); }
 };
 const auto* const noScreen = ::testing::AddGlobalTestEnvironment(new NoScreen);
 

@@ -13,7 +13,7 @@ namespace {
 class Framework final : public ::testing::Environment {
 public:
     void SetUp() override {
-        unsetenv("DISPLAY"); // a screen that happens to be there must not be touched
+        setenv("DISPLAY", "none", 1); // a screen that happens to be there must not be touched
         framework = std::make_unique<juce::ScopedJuceInitialiser_GUI>();
     }
     void TearDown() override { framework.reset(); }
