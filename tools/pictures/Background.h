@@ -3,6 +3,7 @@
 
 #include "pictures/Font.h"
 #include "pictures/Picture.h"
+#include "pictures/RoomRenderer.h"
 
 namespace orvane::kestrum::pictures {
 
@@ -12,8 +13,11 @@ inline constexpr int backgroundHeight = 1272;
 /// How the room lies behind the controls, which are always sharp.
 enum class Focus { sharp, blurred };
 
+/// The room with the glow round its lights, darker towards the corners and behind the loudspeakers' diagram.
+Picture roomPicture(const RoomQuality& quality);
+
 /// The whole window without its widgets: the room, and over it the bar of controls with its labels, wells and symbols,
 /// and the product's name.
-Picture background(Focus focus, const Font& medium, const Font& regular);
+Picture background(Picture room, Focus focus, const Font& medium, const Font& regular);
 
 } // namespace orvane::kestrum::pictures

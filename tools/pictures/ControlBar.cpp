@@ -6,6 +6,7 @@
 
 #include <cmath>
 #include <numbers>
+#include <tuple>
 
 namespace orvane::kestrum::pictures {
 
@@ -125,10 +126,22 @@ void drawDialBed(Canvas& canvas, const Bounds& bounds, const DialScale& scale) {
     tick(scale.strong, 3, 1, palette::lit.withAlpha(0.9f));
 }
 
+/// Pressed into the free part of the panel: the emblem of the product's name, hardly seen.
+void drawWatermark(Canvas& canvas) {
+    constexpr double x = 196, y = 590, radius = 27;
+    for (const auto& [offset, level, alpha] : {std::tuple{0.6, 1.0f, 0.05f}, {0.0, 0.0f, 0.40f}})
+        for (const double azimuth : {-110.0, -30.0, 0.0, 30.0, 110.0})
+            canvas.stroke(arc(x, y + offset, radius, azimuth - 10, azimuth + 10), 5.5, grey(level, alpha),
+                          false);
+    canvas.stroke(circle(x, y, 15), 1.2, grey(0, 0.35f));
+    canvas.fill(circle(x, y, 5.5), grey(0, 0.35f));
+}
+
 } // namespace
 
 void drawControlBar(Canvas& canvas, const Font& font) {
     drawPanel(canvas);
+    drawWatermark(canvas);
     for (const double x : {268.0, 449.0, 628.0, 808.0, 944.0})
         drawSeparator(canvas, x);
 

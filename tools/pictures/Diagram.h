@@ -11,12 +11,8 @@ namespace orvane::kestrum::pictures {
 inline constexpr int diagramWidth = 2160;
 inline constexpr int diagramHeight = 1008;
 
-struct DiagramFonts {
-    const Font& medium;
-    const Font& regular;
-};
-
-/// The loudspeakers of a layout round the listener, for a transparent overlay.
-Picture diagram(const core::LayoutRow& layout, const DiagramFonts& fonts);
+/// The loudspeakers of a layout round the listener, for a transparent overlay: teal at ear level, pale blue above,
+/// amber for the low-frequency channel, each with its bus channel and name.
+Picture diagram(const core::LayoutRow& layout, const Font& font);
 
 } // namespace orvane::kestrum::pictures

@@ -24,6 +24,11 @@ struct Drawing {
     Context context;
 };
 
+/// Of a pixel in an array of rows.
+std::size_t index(int x, int y, int width) noexcept {
+    return static_cast<std::size_t>(y) * static_cast<std::size_t>(width) + static_cast<std::size_t>(x);
+}
+
 struct Stroke {
     double width = 0; ///< 0: the inside is filled instead.
     bool roundEnds = true;
@@ -85,21 +90,6 @@ Mask rasterised(const Path& path, const Stroke& stroke, double scale) {
     return mask;
 }
 
-/// Half of a symmetric Gaussian, its whole sum being 1; entry 0 is the middle.
-std::vector<float> gaussian(double sigma) {
-    const int radius = static_cast<int>(std::ceil(3 * sigma));
-    std::vector<float> weights;
-    double sum = 0;
-    for (int i = 0; i <= radius; ++i) {
-        const double weight = std::exp(-0.5 * i * i / (sigma * sigma));
-        weights.push_back(static_cast<float>(weight));
-        sum += i == 0 ? weight : 2 * weight;
-    }
-    for (float& weight : weights)
-        weight /= static_cast<float>(sum);
-    return weights;
-}
-
 /// Blurs along x and swaps the axes, so that twice gives both directions and the first orientation.
 std::vector<float> blurredAndTransposed(const std::vector<float>& source, int width, int height,
                                         const std::vector<float>& weights) {
@@ -109,9 +99,8 @@ std::vector<float> blurredAndTransposed(const std::vector<float>& source, int wi
         for (int x = 0; x < width; ++x) {
             float sum = 0;
             for (int k = std::max(-radius, -x); k <= std::min(radius, width - 1 - x); ++k)
-                sum += weights[static_cast<std::size_t>(std::abs(k))] *
-                       source[static_cast<std::size_t>(y * width + x + k)];
-            result[static_cast<std::size_t>(x * height + y)] = sum;
+                sum += weights[static_cast<std::size_t>(std::abs(k))] * source[index(x + k, y, width)];
+            result[index(y, x, height)] = sum;
         }
     return result;
 }
@@ -121,7 +110,7 @@ Mask combined(const Mask& first, const Mask& second, Combine combine) {
     Mask result = first;
     for (int y = 0; y < result.height; ++y)
         for (int x = 0; x < result.width; ++x) {
-            float& value = result.coverage[static_cast<std::size_t>(y * result.width + x)];
+            float& value = result.coverage[index(x, y, result.width)];
             value = combine(value, second.at(x + result.left, y + result.top));
         }
     return result;
@@ -132,7 +121,7 @@ Mask combined(const Mask& first, const Mask& second, Combine combine) {
 float Mask::at(int x, int y) const noexcept {
     if (x < left || y < top || x >= left + width || y >= top + height)
         return 0;
-    return coverage[static_cast<std::size_t>((y - top) * width + x - left)];
+    return coverage[index(x - left, y - top, width)];
 }
 
 Mask filled(const Path& path, double scale) { return rasterised(path, {}, scale); }
@@ -154,6 +143,20 @@ Mask blurred(const Mask& mask, double sigma) {
     grown.coverage = blurredAndTransposed(grown.coverage, grown.width, grown.height, weights);
     grown.coverage = blurredAndTransposed(grown.coverage, grown.height, grown.width, weights);
     return grown;
+}
+
+std::vector<float> gaussian(double sigma) {
+    const int radius = static_cast<int>(std::ceil(3 * sigma));
+    std::vector<float> weights;
+    double sum = 0;
+    for (int i = 0; i <= radius; ++i) {
+        const double weight = std::exp(-0.5 * i * i / (sigma * sigma));
+        weights.push_back(static_cast<float>(weight));
+        sum += i == 0 ? weight : 2 * weight;
+    }
+    for (float& weight : weights)
+        weight /= static_cast<float>(sum);
+    return weights;
 }
 
 Mask intersection(const Mask& first, const Mask& second) {

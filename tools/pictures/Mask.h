@@ -34,6 +34,9 @@ Mask stroked(const Path& path, double width, double scale, bool roundEnds = true
 /// Gaussian blur. @param sigma standard deviation in pixels; the mask grows by three of them on every side.
 Mask blurred(const Mask& mask, double sigma);
 
+/// Half of a symmetric Gaussian whose whole sum is 1; entry 0 is its middle. @param sigma standard deviation.
+std::vector<float> gaussian(double sigma);
+
 /// A mask's part inside another.
 Mask intersection(const Mask& first, const Mask& second);
 

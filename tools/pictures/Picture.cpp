@@ -29,6 +29,24 @@ void over(const Colour& upper, float coverage, Colour& lower) noexcept {
     lower.alpha = alpha + lower.alpha * (1 - alpha);
 }
 
+/// Blurs along x and swaps the axes.
+Picture blurredAndTransposed(const Picture& picture, const std::vector<float>& weights) {
+    const int radius = static_cast<int>(weights.size()) - 1;
+    Picture result(picture.height, picture.width);
+    for (int y = 0; y < picture.height; ++y)
+        for (int x = 0; x < picture.width; ++x) {
+            Colour sum{0, 0, 0, 0};
+            for (int k = -radius; k <= radius; ++k) {
+                const Colour& pixel = picture.at(std::clamp(x + k, 0, picture.width - 1), y);
+                const float weight = weights[static_cast<std::size_t>(std::abs(k))];
+                sum = {sum.red + weight * pixel.red, sum.green + weight * pixel.green,
+                       sum.blue + weight * pixel.blue, sum.alpha + weight * pixel.alpha};
+            }
+            result.at(y, x) = sum;
+        }
+    return result;
+}
+
 } // namespace
 
 Picture::Picture(int pictureWidth, int pictureHeight)
@@ -76,6 +94,11 @@ void Canvas::innerShadow(const Path& path, double offset, double sigma, const Sh
     Mask lowered = blurred(inside, sigma * scale);
     lowered.top += static_cast<int>(std::lround(offset * scale));
     paint(difference(inside, lowered), shade);
+}
+
+Picture blurred(const Picture& picture, double sigma) {
+    const std::vector<float> weights = gaussian(sigma);
+    return blurredAndTransposed(blurredAndTransposed(picture, weights), weights);
 }
 
 void lay(const Picture& upper, Picture& lower, int left, int top) {

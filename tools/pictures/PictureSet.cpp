@@ -10,6 +10,7 @@
 
 #include <algorithm>
 #include <memory>
+#include <optional>
 
 namespace orvane::kestrum::pictures {
 
@@ -81,9 +82,23 @@ void addButtons(std::vector<PictureSource>& set, const std::shared_ptr<const Fon
     set.push_back({"toolbar_help_down.png", 48, 48, [font] { return toolbarHelp(*font, true); }});
 }
 
+void addBackgrounds(std::vector<PictureSource>& set, const std::shared_ptr<const Font>& medium,
+                    const std::shared_ptr<const Font>& regular, const RoomQuality& quality) {
+    const auto room = std::make_shared<std::optional<Picture>>();
+    const auto add = [&](const char* name, Focus focus) {
+        set.push_back({name, backgroundWidth, backgroundHeight, [=] {
+                           if (!room->has_value())
+                               room->emplace(roomPicture(quality));
+                           return background(**room, focus, *medium, *regular);
+                       }});
+    };
+    add("normal.png", Focus::sharp);
+    add("blurred.png", Focus::blurred);
+}
+
 } // namespace
 
-std::vector<PictureSource> pictureSet(const std::filesystem::path& fonts) {
+std::vector<PictureSource> pictureSet(const std::filesystem::path& fonts, const RoomQuality& quality) {
     const auto medium = std::make_shared<const Font>(fonts / "Lato-Medium.ttf");
     const auto regular = std::make_shared<const Font>(fonts / "Lato-Regular.ttf");
     std::vector<PictureSource> set;
@@ -92,13 +107,9 @@ std::vector<PictureSource> pictureSet(const std::filesystem::path& fonts) {
     addButtons(set, medium);
     for (const core::LayoutRow& layout : core::layoutTable())
         if (layout.name != coincidentPair)
-            set.push_back({fileOf(layout.name), diagramWidth, diagramHeight, [layout, medium, regular] {
-                               return diagram(layout, {*medium, *regular});
-                           }});
-    set.push_back({"normal.png", backgroundWidth, backgroundHeight,
-                   [medium, regular] { return background(Focus::sharp, *medium, *regular); }});
-    set.push_back({"blurred.png", backgroundWidth, backgroundHeight,
-                   [medium, regular] { return background(Focus::blurred, *medium, *regular); }});
+            set.push_back({fileOf(layout.name), diagramWidth, diagramHeight,
+                           [layout, medium] { return diagram(layout, *medium); }});
+    addBackgrounds(set, medium, regular, quality);
     return set;
 }
 

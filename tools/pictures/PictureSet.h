@@ -2,6 +2,7 @@
 #pragma once
 
 #include "pictures/Picture.h"
+#include "pictures/RoomRenderer.h"
 
 #include <filesystem>
 #include <functional>
@@ -18,7 +19,8 @@ struct PictureSource {
     std::function<Picture()> draw;
 };
 
-/// All pictures of the editor. @param fonts folder of the fonts that the plug-in carries.
-std::vector<PictureSource> pictureSet(const std::filesystem::path& fonts);
+/// All pictures of the editor. The room is traced when the first background is drawn, and then kept.
+/// @param fonts folder of the fonts that the plug-in carries.
+std::vector<PictureSource> pictureSet(const std::filesystem::path& fonts, const RoomQuality& quality = {});
 
 } // namespace orvane::kestrum::pictures

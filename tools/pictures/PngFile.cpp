@@ -27,6 +27,12 @@ std::uint8_t rounded(float value, float noise) noexcept {
     return static_cast<std::uint8_t>(std::clamp(std::floor(value * 255.0f + noise), 0.0f, 255.0f));
 }
 
+/// To steps that are no more than one level once the colour is laid over something with this alpha.
+std::uint8_t coarselyRounded(float value, float alpha) noexcept {
+    const float step = std::floor(1 / std::max(alpha, 1.0f / 64));
+    return static_cast<std::uint8_t>(std::clamp(std::floor(value * 255 / step + 0.5f) * step, 0.0f, 255.0f));
+}
+
 struct OpenFile {
     explicit OpenFile(const std::filesystem::path& path) : file(std::fopen(path.c_str(), "wb")) {
         if (file == nullptr)
@@ -79,16 +85,21 @@ bool opaque(const Bytes& picture) {
 Bytes dithered(const Picture& picture) {
     Bytes result{picture.width, picture.height, {}};
     result.bytes.reserve(picture.pixels.size() * 4);
+    const bool solid =
+        std::ranges::all_of(picture.pixels, [](const Colour& pixel) { return pixel.alpha > 0.9999f; });
     for (int y = 0; y < picture.height; ++y)
         for (int x = 0; x < picture.width; ++x) {
             const Colour& pixel = picture.at(x, y);
             const auto column = static_cast<std::uint32_t>(x), row = static_cast<std::uint32_t>(y);
-            const std::uint8_t alpha =
-                rounded(pixel.alpha, pixel.alpha > 0.9999f ? 0.5f : noiseAt(column, row, 3));
+            const std::uint8_t alpha = rounded(pixel.alpha, 0.5f);
             const float scale = alpha == 0 ? 0.0f : 1.0f / pixel.alpha;
-            result.bytes.push_back(rounded(pixel.red * scale, alpha == 0 ? 0 : noiseAt(column, row, 0)));
-            result.bytes.push_back(rounded(pixel.green * scale, alpha == 0 ? 0 : noiseAt(column, row, 1)));
-            result.bytes.push_back(rounded(pixel.blue * scale, alpha == 0 ? 0 : noiseAt(column, row, 2)));
+            const auto put = [&](float value, std::uint32_t channel) {
+                result.bytes.push_back(solid ? rounded(value, noiseAt(column, row, channel))
+                                             : coarselyRounded(value * scale, pixel.alpha));
+            };
+            put(pixel.red, 0);
+            put(pixel.green, 1);
+            put(pixel.blue, 2);
             result.bytes.push_back(alpha);
         }
     return result;
@@ -115,10 +126,10 @@ Bytes readPng(std::span<const std::uint8_t> png) {
     return result;
 }
 
-Bytes readPng(const std::filesystem::path& file) {
-    std::ifstream stream(file, std::ios::binary);
+Bytes readPng(const std::filesystem::path& path) {
+    std::ifstream stream(path, std::ios::binary);
     if (!stream)
-        throw std::runtime_error(file.string() + " cannot be read");
+        throw std::runtime_error(path.string() + " cannot be read");
     const std::vector<char> characters{std::istreambuf_iterator<char>(stream), {}};
     const std::vector<std::uint8_t> bytes(characters.begin(), characters.end());
     return readPng(bytes);

@@ -10,15 +10,14 @@ namespace {
 // The button's bounds in the editor's main component.
 constexpr double left = 892, top = 10, width = 180, height = 70;
 
-/// Waves that leave a head for one side, each a feather of a spread wing.
+/// A listener amid five loudspeakers, at their angles.
 void drawEmblem(Canvas& canvas, double x, double y) {
-    for (int feather = 0; feather < 4; ++feather) {
-        const double radius = 6.5 + 6 * feather;
-        const Path wave = arc(x, y, radius, -52 + 6 * feather, 58 - 3 * feather);
-        canvas.stroke(wave, 2.6 - 0.3 * feather,
-                      palette::lit.withAlpha(1.0f - 0.2f * static_cast<float>(feather)));
-    }
-    canvas.fill(circle(x, y, 2.8), palette::hot);
+    constexpr double radius = 15.5, halfSpan = 10.5;
+    canvas.glow(circle(x, y, radius + 3), 4, grey(0, 0.55f));
+    canvas.stroke(circle(x, y, 8.6), 1, palette::lit.withAlpha(0.45f));
+    for (const double azimuth : {-110.0, -30.0, 0.0, 30.0, 110.0})
+        canvas.stroke(arc(x, y, radius, azimuth - halfSpan, azimuth + halfSpan), 3.4, palette::lit, false);
+    canvas.fill(circle(x, y, 3.2), palette::hot);
 }
 
 } // namespace
@@ -32,7 +31,7 @@ void drawProductLogo(Canvas& canvas, const Font& medium, const Font& regular) {
     canvas.fill(product, along(0, baseline - 17, 0, baseline,
                                {{0, fromBytes(240, 252, 251)}, {1, fromBytes(168, 214, 211)}}));
     canvas.fill(maker, palette::lit);
-    drawEmblem(canvas, left + 22, top + height - 18);
+    drawEmblem(canvas, left + 23, top + height / 2 + 3.5);
 }
 
 } // namespace orvane::kestrum::pictures

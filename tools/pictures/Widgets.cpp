@@ -69,7 +69,7 @@ Picture sliderTrack(int width, int height, int thumbSide) {
     Picture picture(width, height);
     Canvas canvas(picture, pixelsPerPoint);
     const double w = width / pixelsPerPoint, h = height / pixelsPerPoint;
-    const double inset = thumbSide / 4 / 2; // in integers, as the widgets inset their range
+    const int inset = thumbSide / 4 / 2; // in integers, as the widgets inset their range
     const Path track = w > h ? line(inset, h / 2, w - inset, h / 2) : line(w / 2, inset, w / 2, h - inset);
     canvas.strokeGlow(track, 4.4, 1.9, palette::lit.withAlpha(0.45f));
     canvas.stroke(track, 3.2, palette::lit);
