@@ -15,8 +15,10 @@ constexpr float halfTurn = 3.1415927f;
 constexpr float fullTurn = 6.2831855f;
 
 float direction(int px, int py, int width, int height) noexcept {
-    const auto dx = static_cast<float>(px - width / 2);
-    const auto dy = static_cast<float>(height / 2 - py);
+    const int middleX = width / 2;
+    const int middleY = height / 2;
+    const auto dx = static_cast<float>(px - middleX);
+    const auto dy = static_cast<float>(middleY - py);
     const float a = std::atan2(-dx, -dy);
     return a < 0.0f ? a + fullTurn : a;
 }

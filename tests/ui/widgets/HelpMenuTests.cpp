@@ -46,7 +46,7 @@ protected:
                 link->addListener(&clicks);
             }
     }
-    ~HelpMenu() override { juce::MessageManager::getInstance()->runDispatchLoopUntil(20); }
+    void TearDown() override { juce::MessageManager::getInstance()->runDispatchLoopUntil(20); }
 
     BrevikPluginTools::LorimondToolbarComponent& toolbar() {
         return child<BrevikPluginTools::LorimondToolbarComponent>(*editor, {});

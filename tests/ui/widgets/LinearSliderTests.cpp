@@ -94,7 +94,8 @@ void PrintTo(const Straight& kind, std::ostream* stream) { *stream << kind.name;
 
 /// Whether line i of the track shows, as the rule is stated; a line at the very end of the span is outside.
 bool shows(int i, int length, float pos, bool centred) {
-    const float fraction = pos / static_cast<float>(length / 2);
+    const int shownLength = length / 2;
+    const float fraction = pos / static_cast<float>(shownLength);
     const float f = static_cast<float>(i) / static_cast<float>(length);
     const float anchor = centred ? 0.5f : 0.0f;
     return anchor < fraction ? anchor <= f && f < fraction : fraction <= f && f < anchor;

@@ -145,8 +145,10 @@ void PrintTo(const Dial& dial, std::ostream* stream) { *stream << dial.name; }
 
 /// The rule for one pixel of a ring, as it is stated.
 bool shows(int px, int py, int w, int h, float startAngle, float angle, bool centred) {
-    const float dx = static_cast<float>(px) - static_cast<float>(w / 2);
-    const float dy = static_cast<float>(h / 2) - static_cast<float>(py);
+    const int halfWidth = w / 2;
+    const int halfHeight = h / 2;
+    const float dx = static_cast<float>(px) - static_cast<float>(halfWidth);
+    const float dy = static_cast<float>(halfHeight) - static_cast<float>(py);
     float a = std::atan2(-dx, -dy);
     if (a < 0.0f)
         a += 6.2831855f;
