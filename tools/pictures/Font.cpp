@@ -11,20 +11,33 @@
 
 namespace orvane::kestrum::pictures {
 
+namespace {
+
+/// Lives as long as the program, as every face has to end before it.
+FT_Library fontLibrary() {
+    static FT_Library library = [] {
+        FT_Library made = nullptr;
+        if (FT_Init_FreeType(&made) != 0)
+            throw std::runtime_error("the font library does not start");
+        return made;
+    }();
+    return library;
+}
+
+} // namespace
+
 struct Font::Face {
     explicit Face(const std::filesystem::path& file) {
-        if (FT_Init_FreeType(&library) != 0)
-            throw std::runtime_error("the font library does not start");
-        if (FT_New_Face(library, file.c_str(), 0, &freeType) != 0) {
-            FT_Done_FreeType(library);
+        FT_Face freeType = nullptr;
+        if (FT_New_Face(fontLibrary(), file.c_str(), 0, &freeType) != 0)
             throw std::runtime_error(file.string() + " cannot be read as a font");
-        }
         cairo = cairo_ft_font_face_create_for_ft_face(freeType, FT_LOAD_NO_HINTING);
+        // The drawing library keeps glyphs of a face longer than its user does: it also ends the face.
+        static const cairo_user_data_key_t key{};
+        cairo_font_face_set_user_data(cairo, &key, freeType,
+                                      [](void* ended) { FT_Done_Face(static_cast<FT_Face>(ended)); });
     }
-    ~Face() {
-        cairo_font_face_destroy(cairo);
-        // Deliberate: the drawing library may still hold glyphs of this face, so it is left to the end of the program.
-    }
+    ~Face() { cairo_font_face_destroy(cairo); }
     Face(const Face&) = delete;
     Face& operator=(const Face&) = delete;
 
@@ -64,8 +77,6 @@ struct Font::Face {
         return result;
     }
 
-    FT_Library library = nullptr;
-    FT_Face freeType = nullptr;
     cairo_font_face_t* cairo = nullptr;
 };
 
