@@ -1,18 +1,17 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "Person.h"
 
-#include "VirtualDisplay.h"
 #include "host/X11.h"
 
 #include <X11/extensions/XTest.h>
 
 #include <algorithm>
 #include <chrono>
-#include <cmath>
 #include <cstdlib>
 #include <stdexcept>
 #include <string>
 #include <thread>
+#include <utility>
 
 namespace orvane::kestrum::host::test {
 
@@ -21,7 +20,9 @@ namespace {
 using namespace std::chrono_literals;
 
 constexpr auto handPause = 12ms; ///< Nobody presses and releases within the same millisecond.
-constexpr int dragStep = 3;      ///< Pixels between two positions of a drag.
+constexpr auto restTime = 150ms;
+constexpr auto longestWait = 5s;
+constexpr int dragStep = 3; ///< Pixels between two positions of a drag.
 
 } // namespace
 
@@ -43,6 +44,7 @@ void Person::moveTo(Point point) {
 }
 
 void Person::press(unsigned button) {
+    remembered = seeScreen();
     XTestFakeButtonEvent(connection->display.get(), button, True, CurrentTime);
     settle();
 }
@@ -104,14 +106,32 @@ void Person::type(std::string_view text) {
         tapKey(static_cast<Key>(letter)); // these signs' symbols are their own codes
 }
 
+void Person::waitForChange() {
+    const auto end = std::chrono::steady_clock::now() + longestWait;
+    Image last = seeScreen();
+    auto unchangedSince = std::chrono::steady_clock::now();
+    while (std::chrono::steady_clock::now() < end) {
+        std::this_thread::sleep_for(handPause);
+        Image now = seeScreen();
+        if (now != last) {
+            last = std::move(now);
+            unchangedSince = std::chrono::steady_clock::now();
+        }
+        if (last != remembered && std::chrono::steady_clock::now() - unchangedSince > restTime)
+            return;
+    }
+    throw std::runtime_error("Nothing has changed on the screen.");
+}
+
 Image Person::see(Point corner, int width, int height) {
     return grab(*connection->display, DefaultRootWindow(connection->display.get()), origin.x + corner.x,
                 origin.y + corner.y, width, height);
 }
 
 Image Person::seeScreen() {
-    return grab(*connection->display, DefaultRootWindow(connection->display.get()), 0, 0,
-                VirtualDisplay::width, VirtualDisplay::height);
+    Display& screen = *connection->display;
+    return grab(screen, DefaultRootWindow(&screen), 0, 0, DisplayWidth(&screen, DefaultScreen(&screen)),
+                DisplayHeight(&screen, DefaultScreen(&screen)));
 }
 
 } // namespace orvane::kestrum::host::test

@@ -45,6 +45,10 @@ public:
     /// Digits, small letters, minus and point.
     void type(std::string_view text);
 
+    /// Waits until the screen shows something else than before a button was last pressed, and rests again.
+    /// @throws std::runtime_error when nothing happens.
+    void waitForChange();
+
     /// What the screen shows, menus in front of the window included; may lie partly outside the window.
     Image see(Point corner, int width, int height);
     Image seeScreen();
@@ -55,6 +59,7 @@ private:
     struct Connection; // the display's own headers would put macros upon the tests
     std::unique_ptr<Connection> connection;
     Point origin;
+    Image remembered; ///< The screen before the last press of a button.
 };
 
 } // namespace orvane::kestrum::host::test

@@ -142,7 +142,7 @@ void expectLooksLike(const Image& seen, std::string_view name) {
     }
     writePng(seen, left);
     ADD_FAILURE() << left << " does not look like " << stored << ": " << reason
-                  << ". When it looks right, scripts/screenshots --stored takes it over.";
+                  << ". When it looks right, scripts/screenshots takes it over.";
 }
 
 } // namespace orvane::kestrum::host::test

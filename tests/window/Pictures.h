@@ -46,8 +46,8 @@ private:
     Image sheet;
 };
 
-/// A GoogleTest failure unless the picture looks like the stored one of that name; the seen picture and the difference
-/// are then left in the build folder. With KESTRUM_REWRITE_PICTURES set, stores the picture instead, unless the stored
+/// A GoogleTest failure unless the picture looks like the one of that name in docs/images; the seen picture and the
+/// difference are then left in the build folder. With KESTRUM_REWRITE_PICTURES set, stores the picture instead, unless the stored
 /// one already looks like it.
 void expectLooksLike(const Image& seen, std::string_view name);
 

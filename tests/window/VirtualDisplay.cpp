@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "VirtualDisplay.h"
 
+#include "host/X11.h"
+
 #include <fcntl.h>
 #include <poll.h>
 #include <spawn.h>
@@ -31,7 +33,11 @@ std::string readNumber(int descriptor) {
 
 } // namespace
 
-VirtualDisplay::VirtualDisplay() {
+struct VirtualDisplay::Connection {
+    DisplayPointer display = openDisplay();
+};
+
+VirtualDisplay::VirtualDisplay(int wide, int high) {
     std::array<int, 2> ends{};
     if (pipe2(ends.data(), O_CLOEXEC) != 0)
         throw std::runtime_error("No pipe to the X server.");
@@ -42,7 +48,7 @@ VirtualDisplay::VirtualDisplay() {
     for (const int stream :
          {STDOUT_FILENO, STDERR_FILENO}) // else who reads the test's output waits for the server
         posix_spawn_file_actions_addopen(&actions, stream, "/dev/null", O_WRONLY, 0);
-    const std::string screen = std::to_string(width) + "x" + std::to_string(height) + "x24";
+    const std::string screen = std::to_string(wide) + "x" + std::to_string(high) + "x24";
     const std::string descriptor = std::to_string(told);
     std::array<const char*, 10> arguments{"Xvfb",       "-displayfd",   descriptor.c_str(), "-screen",
                                           "0",          screen.c_str(), "-nolisten",        "tcp",
@@ -60,9 +66,11 @@ VirtualDisplay::VirtualDisplay() {
         throw std::runtime_error("The X server Xvfb cannot be started; scripts/setup installs it.");
     }
     setenv("DISPLAY", (":" + number).c_str(), 1);
+    connection = std::make_unique<Connection>();
 }
 
 VirtualDisplay::~VirtualDisplay() {
+    connection.reset();
     unsetenv("DISPLAY");
     kill(server, SIGTERM);
     waitpid(server, nullptr, 0);

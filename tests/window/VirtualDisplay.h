@@ -3,11 +3,12 @@
 
 #include <sys/types.h>
 
+#include <memory>
 #include <string>
 
 namespace orvane::kestrum::host::test {
 
-/// An X server of its own without a screen to look at: 1440 x 1000 pixels of 24 bits, no window manager. The variable
+/// An X server of its own without a screen to look at, of 24 bits and no window manager. The variable
 /// DISPLAY names it as long as it lives. It ends by itself when its last client has gone, so a test that crashes
 /// leaves none behind.
 ///
@@ -16,13 +17,15 @@ class VirtualDisplay {
 public:
     static constexpr int width = 1440, height = 1000;
 
-    VirtualDisplay();
+    explicit VirtualDisplay(int wide = width, int high = height);
     VirtualDisplay(const VirtualDisplay&) = delete;
     VirtualDisplay& operator=(const VirtualDisplay&) = delete;
     ~VirtualDisplay();
 
 private:
+    struct Connection;
     pid_t server = -1;
+    std::unique_ptr<Connection> connection; ///< Keeps the server up between two clients.
 };
 
 /// Takes the variable DISPLAY away for as long as it lives.
