@@ -228,6 +228,38 @@ TEST_F(EditorOverProcessor, TwoInstancesHaveWindowsOfTheirOwn) {
     EXPECT_FALSE(blurred(second));
 }
 
+/// Counts the areas of a component that are to be painted anew; nothing is painted without a screen.
+class RepaintCount final : public juce::CachedComponentImage {
+public:
+    explicit RepaintCount(int& count) : count(&count) {}
+    void paint(juce::Graphics&) override {}
+    bool invalidateAll() override { return ++*count > 0; }
+    bool invalidate(const juce::Rectangle<int>&) override { return ++*count > 0; }
+    void releaseResources() override {}
+
+private:
+    int* count;
+};
+
+TEST_F(EditorOverProcessor, NothingIsPaintedAnewWhileNothingChanges) {
+    test::OpenEditor editor(*processor);
+    editor.window().setVisible(true);
+    loop.runATick();
+    int repaints = 0;
+    editor.window().setCachedComponentImage(new RepaintCount(repaints)); // the component owns it
+    repaints = 0;                                                        // that alone was a reason to paint
+    for (int tick = 0; tick < 30; ++tick)
+        loop.runATick();
+    EXPECT_EQ(repaints, 0);
+    test::setParameter(*processor, "Ambience", 60.0f);
+    EXPECT_GT(repaints, 0);
+    repaints = 0;
+    test::onAnotherThread([&] { test::setParameter(*processor, "Ambience", 61.0f); });
+    EXPECT_EQ(repaints, 0);
+    loop.runATick();
+    EXPECT_GT(repaints, 0);
+}
+
 /// Counts what a host would hear of.
 struct Gestures final : juce::AudioProcessorParameter::Listener {
     void parameterValueChanged(int, float) override { ++values; }
