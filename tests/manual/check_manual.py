@@ -115,10 +115,7 @@ class Checks:
 
     def warning(self):
         """The warning is quoted as the window shows it."""
-        source = ROOT / "src/ui/WarningOverlay.cpp"
-        if not source.is_file():
-            return
-        shown = literals(source)
+        shown = literals(ROOT / "src/ui/WarningOverlay.cpp")
         chapter = (ROOT / "docs/manual/chapters/12-troubleshooting.md").read_text(encoding="utf-8")
         quoted = plain(" ".join(line[1:] for line in chapter.splitlines() if line.startswith(">")).replace("\\.", "."))
         self.that("An error has occurred" in quoted, "the warning is not quoted")

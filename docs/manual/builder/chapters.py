@@ -101,28 +101,23 @@ class Chapters:
     def worst_blocks(self, scene):
         return worst_blocks(self.root / "docs" / "performance.md", scene)
 
-    def figure(self, name, caption):
-        source = self.manual / "figures" / name
+    def existing(self, folder, name):
+        source = self.root / "docs" / folder / name
         if not source.is_file():
-            raise ManualError(f"docs/manual/figures/{name} is not there.")
-        shutil.copy(source, self.work / name)
+            raise ManualError(f"docs/{folder}/{name} is not there.")
+        return source
+
+    def figure(self, name, caption):
+        shutil.copy(self.existing("manual/figures", name), self.work / name)
         return self.framed(name, caption)
 
-    def screenshot(self, name):
-        """Among the pictures of the documents, or among those that tests compare the window with; None when not taken."""
-        places = [self.root / "docs" / "images" / name, self.root / "tests" / "window" / "pictures" / name]
-        return next((place for place in places if place.is_file()), None)
-
     def picture(self, name, caption, width="100%"):
-        """A screenshot so wide; nothing where it has not been taken."""
-        source = self.screenshot(name)
-        if source is None:
-            return ""
-        shutil.copy(source, self.work / name)
+        """A screenshot so wide."""
+        shutil.copy(self.existing("images", name), self.work / name)
         return self.framed(name, caption, "screenshot", width)
 
     def window(self, caption):
-        drawing = window.drawing(self.screenshot("mix-room.png"))
+        drawing = window.drawing(self.existing("images", "mix-room.png").read_bytes())
         return self.framed(self.write("window.svg", drawing), caption, "window", "91%")
 
     @staticmethod

@@ -124,7 +124,7 @@ def marker(x, y, number, kind, size):
 
 def plan(layout, width=116, height=122):
     """The layout from above, each loudspeaker with the channel that feeds it."""
-    x, y, radius, size = width / 2, 52, 43, 11
+    x, y, radius, size = width / 2, 53, 48, 9.8  # so large and small that markers 15 degrees apart stand free
     shapes = [element("circle", cx=x, cy=y, r=radius, fill="none", stroke=LINE, stroke_width=0.8),
               element("circle", cx=x, cy=y, r=round(radius / 2, 2), fill="none", stroke=PALE, stroke_width=0.8)]
     shapes.append(line(x, y, x, y - radius, LINE, 0.6, stroke_dasharray="1.5 2"))
@@ -142,7 +142,7 @@ def plan(layout, width=116, height=122):
         for index, (number, speaker, where) in enumerate(members):
             shift = (index - (len(members) - 1) / 2) * (size + 1)
             shapes.append(marker(where[0] + shift, where[1], str(number), "height" if speaker.elevation else "ear", size))
-    shapes.append(text(width / 2, height - 6, layout.menu_name, 10, weight=700))
+    shapes.append(text(width / 2, height - 3.5, layout.menu_name, 10, weight=700))
     return picture(width, height, shapes)
 
 

@@ -121,7 +121,7 @@ def table(report):
 
 # Names that would lie on a neighbour's: where they go instead, as (anchor, right, down).
 BESIDE = {"Home Theater": ("end", -6, 3), "Van": ("start", 6, 9), "Car": ("start", 6, -2), "Cinema": ("start", 6, 3),
-          "Club Large": ("end", -6, 3), "Mix Room": ("end", -6, 3), "Living Room": ("start", 6, 3)}
+          "Club Large": ("end", -6, -3), "Mix Room": ("end", -6, 3), "Living Room": ("start", 6, 3)}
 
 
 def room_map(report):
