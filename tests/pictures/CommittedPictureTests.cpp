@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "pictures/Background.h"
+#include "pictures/ControlBar.h"
 #include "pictures/PictureSet.h"
 #include "pictures/PngFile.h"
 
@@ -9,7 +10,9 @@
 #include <cstdlib>
 #include <filesystem>
 #include <set>
+#include <stdexcept>
 #include <string>
+#include <vector>
 
 namespace {
 
@@ -67,6 +70,35 @@ TEST(TheCommittedPictures, AreAllDrawnByTheProgram) {
         if (entry.is_regular_file())
             present.insert(std::filesystem::relative(entry.path(), resources / "pictures").string());
     EXPECT_EQ(present, drawn);
+}
+
+TEST(ChosenPictures, AreThoseWhoseNamesBeginAsTold) {
+    const auto names = [](const std::vector<std::string>& beginnings) {
+        std::set<std::string> files;
+        for (const PictureSource& source : chosen(pictureSet(resources / "fonts"), beginnings))
+            files.insert(source.file);
+        return files;
+    };
+    EXPECT_EQ(names({}).size(), pictureSet(resources / "fonts").size());
+    EXPECT_EQ(names({"combo_", "layouts/9.1.2"}),
+              (std::set<std::string>{"combo_arrow_24.png", "combo_arrow_36.png", "layouts/9.1.2.png"}));
+    EXPECT_THROW(names({"combo_", "knob"}), std::runtime_error);
+}
+
+// The room takes minutes to trace, but the bar hides it: drawn over any ground it is what both backgrounds hold.
+TEST(TheCommittedBackgrounds, HaveTheBarThatTheProgramDraws) {
+    Picture ground(backgroundWidth, backgroundHeight);
+    for (Colour& pixel : ground.pixels)
+        pixel = grey(0);
+    Canvas canvas(ground);
+    drawControlBar(canvas, Font(resources / "fonts/Lato-Medium.ttf"));
+    const Bytes drawn = dithered(ground), committed = readPng(resources / "pictures/normal.png");
+    constexpr std::size_t firstRow = 1080; // a few below the bar's upper edge
+    std::size_t different = 0;
+    for (std::size_t i = 4 * firstRow * backgroundWidth; i < drawn.bytes.size(); ++i)
+        if (std::abs(drawn.bytes[i] - committed.bytes[i]) > 1) // another processor's last bit
+            ++different;
+    EXPECT_EQ(different, 0u) << "run scripts/draw-pictures normal blurred";
 }
 
 // Both show one room: under the controls they are equal, elsewhere the blurred one has far less detail.

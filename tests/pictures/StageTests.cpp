@@ -79,6 +79,17 @@ TEST_P(EveryLayout, StaysInItsPictureAndOffTheListenersHead) {
     }
 }
 
+// Property: whatever stands higher is drawn higher and nearer to the middle, up to what hangs overhead.
+TEST(HeightsOfADiagram, AreToldApart) {
+    EXPECT_EQ(stage::riseOf(0), 0);
+    EXPECT_EQ(stage::radiusOf(0), 1);
+    EXPECT_NEAR(stage::radiusOf(90), 0, 1e-6);
+    for (const auto& [lower, higher] : {std::pair{0.0, 30.0}, {30.0, 45.0}, {45.0, 90.0}}) {
+        EXPECT_GT(stage::riseOf(higher), stage::riseOf(lower) + 15) << "points, at least half a box";
+        EXPECT_LT(stage::radiusOf(higher), stage::radiusOf(lower) - 0.05);
+    }
+}
+
 std::string testName(const testing::TestParamInfo<core::LayoutRow>& info) {
     std::string name;
     for (const char character : info.param.name)

@@ -54,8 +54,6 @@ private:
     double frontZ;
 };
 
-Path face(const std::vector<Point>& corners) { return polygon(corners); }
-
 struct Faces {
     std::vector<Point> front, back, growing, shrinking, top;
 };
@@ -70,7 +68,7 @@ Faces facesOf(const TurnedBox& box) {
 
 void drawFace(Canvas& canvas, const std::vector<Point>& corners, const Colour& upper, const Colour& lower,
               const Colour& edge) {
-    const Path outline = face(corners);
+    const Path outline = polygon(corners);
     canvas.fill(outline, along(0, corners[3].y, 0, corners[0].y, {{0, upper}, {1, lower}}));
     canvas.stroke(outline, 0.7, edge);
 }

@@ -101,15 +101,4 @@ Picture blurred(const Picture& picture, double sigma) {
     return blurredAndTransposed(blurredAndTransposed(picture, weights), weights);
 }
 
-void lay(const Picture& upper, Picture& lower, int left, int top) {
-    for (int y = std::max(0, -top); y < std::min(upper.height, lower.height - top); ++y)
-        for (int x = std::max(0, -left); x < std::min(upper.width, lower.width - left); ++x) {
-            const Colour& above = upper.at(x, y);
-            Colour& below = lower.at(x + left, y + top);
-            const float rest = 1 - above.alpha;
-            below = {above.red + below.red * rest, above.green + below.green * rest,
-                     above.blue + below.blue * rest, above.alpha + below.alpha * rest};
-        }
-}
-
 } // namespace orvane::kestrum::pictures

@@ -82,7 +82,4 @@ private:
 /// Gaussian blur; beyond its edges a picture goes on as it ends. @param sigma standard deviation in pixels.
 Picture blurred(const Picture& picture, double sigma);
 
-/// Lays a picture over another, its upper left pixel at (left, top).
-void lay(const Picture& upper, Picture& lower, int left, int top);
-
 } // namespace orvane::kestrum::pictures

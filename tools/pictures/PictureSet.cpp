@@ -11,6 +11,7 @@
 #include <algorithm>
 #include <memory>
 #include <optional>
+#include <stdexcept>
 
 namespace orvane::kestrum::pictures {
 
@@ -110,6 +111,20 @@ std::vector<PictureSource> pictureSet(const std::filesystem::path& fonts, const 
             set.push_back({fileOf(layout.name), diagramWidth, diagramHeight,
                            [layout, medium] { return diagram(layout, *medium); }});
     addBackgrounds(set, medium, regular, quality);
+    return set;
+}
+
+std::vector<PictureSource> chosen(std::vector<PictureSource> set,
+                                  const std::vector<std::string>& beginnings) {
+    for (const std::string& beginning : beginnings)
+        if (std::ranges::none_of(
+                set, [&](const PictureSource& source) { return source.file.starts_with(beginning); }))
+            throw std::runtime_error("there is no picture whose name begins with \"" + beginning + "\"");
+    if (!beginnings.empty())
+        std::erase_if(set, [&](const PictureSource& source) {
+            return std::ranges::none_of(
+                beginnings, [&](const std::string& name) { return source.file.starts_with(name); });
+        });
     return set;
 }
 

@@ -23,4 +23,8 @@ struct PictureSource {
 /// @param fonts folder of the fonts that the plug-in carries.
 std::vector<PictureSource> pictureSet(const std::filesystem::path& fonts, const RoomQuality& quality = {});
 
+/// Those of a set whose names begin with one of `beginnings`, such as "rotary_" or "layouts/7.1"; all where there is none.
+/// @throws std::runtime_error when no picture's name begins with one of them.
+std::vector<PictureSource> chosen(std::vector<PictureSource> set, const std::vector<std::string>& beginnings);
+
 } // namespace orvane::kestrum::pictures

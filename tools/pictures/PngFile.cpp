@@ -109,7 +109,8 @@ void writePng(const Bytes& picture, const std::filesystem::path& path) {
     const OpenFile target(path);
     const bool plain = opaque(picture);
     if (!encode(plain ? withoutAlpha(picture) : picture.bytes, picture.width, picture.height, plain,
-                target.file))
+                target.file) ||
+        std::fflush(target.file) != 0) // what is still buffered may not fit on the disk either
         throw std::runtime_error(path.string() + " cannot be written");
 }
 

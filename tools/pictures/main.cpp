@@ -2,7 +2,6 @@
 #include "pictures/PictureSet.h"
 #include "pictures/PngFile.h"
 
-#include <algorithm>
 #include <cstdio>
 #include <exception>
 #include <string>
@@ -20,10 +19,7 @@ constexpr auto usage = "usage: draw_pictures [--draft] RESOURCES [NAME ...]\n\n"
 
 void draw(const std::filesystem::path& resources, const std::vector<std::string>& wanted,
           const RoomQuality& quality) {
-    for (const PictureSource& source : pictureSet(resources / "fonts", quality)) {
-        const auto begins = [&](const std::string& name) { return source.file.starts_with(name); };
-        if (!wanted.empty() && std::ranges::none_of(wanted, begins))
-            continue;
+    for (const PictureSource& source : chosen(pictureSet(resources / "fonts", quality), wanted)) {
         std::printf("%s\n", source.file.c_str());
         writePng(dithered(source.draw()), resources / "pictures" / source.file);
     }
