@@ -144,11 +144,4 @@ TEST(TheEmbeddedResources, AreAllNamedInTheEditorsSources) {
     }
 }
 
-TEST(TheEmbeddedResources, AreReachedByTheNamesThatTheReadmeTells) {
-    EXPECT_GT(resources::_2_0__30_pngSize, 0);
-    EXPECT_GT(resources::normal_pngSize, 0);
-    EXPECT_GT(
-        resources::LatoMedium_ttfSize + resources::LatoRegular_ttfSize + resources::HeeboRegular_ttfSize, 0);
-}
-
 } // namespace

@@ -6,7 +6,7 @@
 
 #include <gmock/gmock.h>
 
-#include <cmath>
+#include <algorithm>
 
 namespace {
 
@@ -77,6 +77,26 @@ TEST_F(ComboBoxes, DrawTheArrowAtTheLeftEdgeAndNothingElseBehindTheText) {
     g.drawImage(test::decoded(resources::combo_arrow_24_png, resources::combo_arrow_24_pngSize),
                 {0, 3, 12, 18});
     EXPECT_TRUE(test::samePixels(test::shot(low), expected));
+
+    juce::Image higher(juce::Image::ARGB, 160, 36, true);
+    juce::Graphics(higher).drawImage(
+        test::decoded(resources::combo_arrow_36_png, resources::combo_arrow_36_pngSize), {0, 6, 18, 24});
+    EXPECT_TRUE(test::samePixels(test::shot(high), higher));
+}
+
+TEST_F(ComboBoxes, AreDimmedWhileDisabled) {
+    const auto strongest = [&] {
+        int alpha = 0;
+        const auto picture = test::shot(low);
+        for (int y = 0; y < picture.getHeight(); ++y)
+            for (int x = 0; x < picture.getWidth(); ++x)
+                alpha = std::max(alpha, static_cast<int>(picture.getPixelAt(x, y).getAlpha()));
+        return alpha;
+    };
+    const int enabled = strongest();
+    low.setEnabled(false);
+    EXPECT_GT(strongest(), 0);
+    EXPECT_LT(strongest(), enabled / 2);
 }
 
 TEST_F(ComboBoxes, TakeNoKeyboardFocusWhereverTheyLie) {

@@ -158,6 +158,12 @@ TEST_P(LinearFamily, FixesItsStyleWhenItIsMade) {
     EXPECT_FALSE(slider->getWantsKeyboardFocus());
 }
 
+TEST_P(LinearFamily, SharesOneLookAmongAllOfItsKindAlone) {
+    const auto& look = slider->getLookAndFeel();
+    for (const Straight& kind : kinds)
+        EXPECT_EQ(&kind.make()->getLookAndFeel() == &look, kind.name == GetParam().name) << kind.name;
+}
+
 TEST_P(LinearFamily, ShowsTheTrackFromItsAnchorToTheValueAndTheThumbOnTop) {
     for (const double proportion : {0.0, 0.1, 0.3, 0.5, 0.77, 1.0}) {
         slider->setValue(-100 + 200 * proportion);

@@ -210,6 +210,12 @@ TEST_P(RotaryFamily, HasTheRangeAnglesAndEndsOfItsKind) {
     EXPECT_FALSE(slider->getWantsKeyboardFocus());
 }
 
+TEST_P(RotaryFamily, SharesOneLookAmongAllOfItsKindAlone) {
+    const auto& look = slider->getLookAndFeel();
+    for (const Dial& dial : dials)
+        EXPECT_EQ(&dial.make()->getLookAndFeel() == &look, dial.name == GetParam().name) << dial.name;
+}
+
 TEST_P(RotaryFamily, GoesBackToItsResetValueAtADoubleClickAndAtAnAltClick) {
     for (const bool byDoubleClick : {true, false}) {
         moveTo(0.9);

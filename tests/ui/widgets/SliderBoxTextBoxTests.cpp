@@ -168,8 +168,10 @@ TEST_F(TextBox, OutlivesItsSlider) {
     orvane::SliderBoxTextBox survivor(*shortLived, 0, {}, orvane::fonts::heeboRegular(), 15.0f);
     shortLived.reset();
     survivor.setSuffix("!");
-    test::type(test::child<juce::Label>(survivor), "5");
-    SUCCEED(); // the sanitizers judge
+    auto& survivingLabel = test::child<juce::Label>(survivor);
+    EXPECT_EQ(survivingLabel.getText(), "0") << "the last value, which nobody can ask for again";
+    test::type(survivingLabel, "5");
+    EXPECT_EQ(survivingLabel.getText(), "5") << "no range is left to bring it into";
 }
 
 TEST_F(TextBox, KeepsTheNumberInItsPlaceWhileItIsEdited) {

@@ -44,12 +44,4 @@ TEST(WarningOverlay, WritesWhiteWordsInTheMiddleAndNowhereElse) {
     EXPECT_GT(inked.getHeight(), 8 * 14); // no line is left out for being the ninth
 }
 
-TEST(WarningOverlay, LeavesAnEmptyComponentAlone) {
-    orvane::kestrum::WarningOverlay overlay;
-    juce::Image image(juce::Image::ARGB, 1, 1, true);
-    juce::Graphics g(image);
-    overlay.paint(g);
-    SUCCEED(); // no crash
-}
-
 } // namespace
