@@ -119,6 +119,22 @@ TEST_F(Dial, ShowsTheAngleOfWhichTheDialWouldMakeTheTrackedMatrix) {
     }
 }
 
+// Deliberate oddity: what is followed is a point one degree above straight ahead. A head that leans onto a shoulder brings
+// that degree to the side, and so onto the dial; one that looks up or down leaves it in the middle.
+TEST_F(Dial, FollowsAPointOneDegreeAboveStraightAhead) {
+    head.tracking = true;
+    timer->tick();
+    const auto shown = [&](const HeadRotationMatrix& matrix) {
+        head.matrix = matrix;
+        timer->tick();
+        return slider->getValue();
+    };
+    const HeadRotationMatrix leaning{0, 1, 0, 0, -1, 0, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1};
+    EXPECT_NEAR(std::abs(shown(leaning)), 1.0f, 1e-3f);
+    const float c = std::cos(0.7f), s = std::sin(0.7f);
+    EXPECT_NEAR(shown({1, 0, 0, 0, 0, c, s, 0, 0, -s, c, 0, 0, 0, 0, 1}), 0.0f, 1e-3f);
+}
+
 TEST_F(Dial, DoesNotReachTheValueWhileTheTrackerTurnsTheHead) {
     head.tracking = true;
     timer->tick();

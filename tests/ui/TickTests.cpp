@@ -101,6 +101,22 @@ TEST(ErrorFlag, ThatIsUpBetweenTwoTicksOnlyIsNeverSeen) {
     EXPECT_THAT(overlay.told, IsEmpty());
 }
 
+// The flag rises while the message thread is busy for the time of several ticks: told late, and once.
+TEST(ErrorFlag, IsToldLateWhileTheMessageThreadIsBusy) {
+    test::MessageLoop loop;
+    Flag flag;
+    WatchDog watchDog(flag);
+    Overlay overlay;
+    watchDog.addListener(&overlay);
+    flag.up = true;
+    const auto busyUntil = juce::Time::getMillisecondCounter() + 150;
+    while (juce::Time::getMillisecondCounter() < busyUntil)
+        ASSERT_THAT(overlay.told, IsEmpty());
+    loop.runATick();
+    loop.runATick();
+    EXPECT_THAT(overlay.told, ElementsAre(true));
+}
+
 TEST(ErrorFlag, IsNotToldToAListenerThatHasBeenRemoved) {
     test::MessageLoop loop;
     Flag flag;
