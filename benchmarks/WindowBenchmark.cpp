@@ -1,14 +1,16 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// What painting costs the message thread: the whole window, after a change of its pictures, and one dial of it. Off-screen,
-// into a picture such as the framework paints windows into; "scale" 100 is a plain screen, 200 a dense one.
+// What the window costs the message thread: to open, and to paint as a whole, after a change of its pictures, and one dial of
+// it. Off-screen, into a picture such as the framework paints windows into; "scale" 100 is a plain screen, 200 a dense one.
 #include "Resources.h"
 #include "ui/MainComponent.h"
 #include "ui/toolbar/BrevikTool.h"
 #include "ui/widgets/Pictures.h"
 
 #include <benchmark/benchmark.h>
+#include <juce_audio_processors/juce_audio_processors.h>
 
 #include <cstdlib>
+#include <memory>
 #include <utility>
 
 namespace {
@@ -85,6 +87,26 @@ void oneDial(benchmark::State& state) {
     }
 }
 
+/// The editor as a host opens it, over an instance that is not prepared, up to its first picture and without closing it.
+void opening(benchmark::State& state) {
+    setenv("DISPLAY", "none", 1);
+    const juce::ScopedJuceInitialiser_GUI framework;
+    const std::unique_ptr<juce::AudioProcessor> processor(createPluginFilter());
+    juce::Image screen(juce::Image::RGB, 1080, 660, true);
+    std::unique_ptr<juce::AudioProcessorEditor> editor;
+    for (auto _ : state) {
+        editor.reset(processor->createEditor());
+        juce::Graphics g(screen);
+        editor->paintEntireComponent(g, true);
+        state.PauseTiming();
+        editor.reset();
+        state.ResumeTiming();
+    }
+}
+
+// The first one of the process, which decodes the pictures: before all others, and once.
+BENCHMARK(opening)->Name("firstOpening")->Iterations(1)->Unit(benchmark::kMillisecond);
+BENCHMARK(opening)->Name("laterOpening")->Unit(benchmark::kMillisecond);
 BENCHMARK(wholeWindow)->ArgName("scale")->Arg(100)->Arg(150)->Arg(200)->Unit(benchmark::kMillisecond);
 BENCHMARK(wholeWindowWithANewDiagram)->ArgName("scale")->Arg(100)->Arg(200)->Unit(benchmark::kMillisecond);
 BENCHMARK(wholeWindowWithANewBackground)->ArgName("scale")->Arg(100)->Arg(200)->Unit(benchmark::kMillisecond);

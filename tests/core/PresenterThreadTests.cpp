@@ -72,6 +72,8 @@ TEST(PresentersAndThreads, ComeAndGoWhileAValueIsSetElsewhere) {
         const SliderPresenter presenter(&value, std::make_unique<LatestSlider>(shown));
     running = false;
     host.join();
+    const SliderPresenter last(&value, std::make_unique<LatestSlider>(shown));
+    EXPECT_EQ(shown, value.getValue());
 }
 
 // Property: whichever thread is last, its view shows what the value holds.

@@ -100,6 +100,7 @@ TEST_F(ForeignSlider, MayHaveDiedBeforeTheTick) {
     onAnotherThread([&] { value.setValue(11.0f); });
     presenter.reset();
     loop.runATick();
+    EXPECT_EQ(value.getValue(), 11.0f) << "what the host wrote";
 }
 
 class ForeignSelector : public ::testing::Test {

@@ -212,6 +212,7 @@ TEST_F(StepThrough, OutlivesButtonsAndWidget) {
     next.reset();
     widget.reset();
     view->buttonClicked(previous.get());
+    EXPECT_EQ(view->getValue(), 0u) << "nothing is chosen where there is nothing to choose from";
     previous.reset();
     view.reset();
 }

@@ -4,7 +4,6 @@
 import re
 import shutil
 from html import escape
-from pathlib import Path
 
 from . import layouts, scenes, window
 from .svg import ManualError
