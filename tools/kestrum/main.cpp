@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "check/CheckCommand.h"
 #include "data/DataCommands.h"
 #include "render/RenderCommand.h"
 
@@ -17,6 +18,7 @@ int run(int argumentCount, char** arguments) {
     try {
         orvane::kestrum::render::addRenderCommands(program);
         orvane::kestrum::tools::addDataCommands(program);
+        orvane::kestrum::check::addCheckCommand(program);
         program.parse(argumentCount, arguments);
     } catch (const CLI::ParseError& error) {
         return program.exit(error);

@@ -1,0 +1,197 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "check/CheckRun.h"
+
+#include "check/CheckError.h"
+#include "check/Downmix.h"
+#include "check/LayoutChoice.h"
+#include "check/LoudnessMatch.h"
+#include "check/MatchedCopy.h"
+#include "check/Page.h"
+#include "check/ProgressTable.h"
+#include "check/SceneJobs.h"
+#include "check/Tasks.h"
+#include "data/OnAllCores.h"
+#include "parameters/core/MenuPresentation.h"
+#include "render/AudioStreams.h"
+#include "render/DataFolder.h"
+#include "render/RenderCommand.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <fstream>
+#include <iomanip>
+#include <thread>
+#include <vector>
+
+namespace orvane::kestrum::check {
+
+namespace {
+
+std::filesystem::path matchedFolder(const std::filesystem::path& folder) { return folder / "matched"; }
+std::filesystem::path pagePath(const std::filesystem::path& folder) { return folder / "index.html"; }
+
+std::string inQuotes(const std::filesystem::path& path) { return "\"" + path.string() + "\""; }
+
+/// Makes the folders. Nothing of anybody else's is written over.
+void prepareFolder(const std::filesystem::path& folder) {
+    if (exists(pagePath(folder)) && !isPage(pagePath(folder)))
+        throw CheckError("The folder " + inQuotes(folder) +
+                         " holds an index.html that is no mix check: name another folder.");
+    std::error_code failure;
+    for (const auto& part : {renderedFolder(folder), matchedFolder(folder)})
+        if (!failure)
+            create_directories(part, failure);
+    const std::filesystem::path probe = folder / ".writable";
+    const bool writable = !failure && std::ofstream(probe).put(' ').flush().good();
+    std::filesystem::remove(probe, failure);
+    if (!writable)
+        throw CheckError("Nothing can be written to the folder " + inQuotes(folder) +
+                         ": name one of yours on a disk with space.");
+}
+
+/// @return the jobs that have to be run; what stands in their place is removed first.
+std::vector<SceneJob> jobsToRun(const std::vector<SceneJob>& jobs, const Mix& mix, const std::string& layout,
+                                const CheckOptions& options) {
+    std::vector<SceneJob> missing;
+    for (const SceneJob& job : jobs) {
+        const JobResult result = resultOf(job, mix, layout);
+        if (result == JobResult::other && !options.replace)
+            throw CheckError(
+                "The folder " + inQuotes(options.folder) +
+                " holds the check of another mix, an earlier one, or another layout: name another "
+                "folder, or write over it with --replace.");
+        if (result != JobResult::ready)
+            missing.push_back(job);
+    }
+    for (const SceneJob& job : missing) {
+        std::filesystem::remove(job.facts);
+        std::filesystem::remove(job.sound);
+    }
+    return missing;
+}
+
+/// How much of each sound lies on the disk. The tail behind the mix is short and not counted.
+std::vector<double> sharesOf(std::span<const SceneJob> jobs, std::span<const TaskState> states,
+                             const Mix& mix) {
+    constexpr double bytesPerFrame = 8;
+    std::vector<double> shares;
+    for (std::size_t index = 0; index < jobs.size(); ++index) {
+        std::error_code notYet;
+        const std::uintmax_t bytes = file_size(jobs[index].sound, notYet);
+        const double share =
+            notYet ? 0 : static_cast<double>(bytes) / (bytesPerFrame * static_cast<double>(mix.frameCount));
+        shares.push_back(states[index] == TaskState::done ? 1 : std::min(share, 0.99));
+    }
+    return shares;
+}
+
+void renderScenes(const std::vector<SceneJob>& jobs, const Mix& mix, const CheckOptions& options) {
+    std::vector<Task> tasks;
+    std::vector<std::string> names;
+    for (const SceneJob& job : jobs) {
+        tasks.push_back({job.scene, job.command});
+        names.push_back(job.scene);
+    }
+    ProgressTable table(stderr, names);
+    runTasks(tasks, options.processes.value_or(std::max(1u, std::thread::hardware_concurrency())),
+             [&](std::span<const TaskState> states) { table.show(sharesOf(jobs, states, mix)); });
+}
+
+/// The Scenes in the menu's order, then the downmix.
+std::vector<PageTrack> tracksOf() {
+    std::vector<PageTrack> tracks;
+    std::string section;
+    for (const core::MenuEntry& entry : core::sceneMenu()) {
+        if (!entry.sectionBefore.empty())
+            section = entry.sectionBefore;
+        tracks.push_back({std::string(entry.name), std::string(entry.shownAs), section, {}, 0, {}, {}});
+    }
+    tracks.push_back({downmixName, downmixName, "Without the plug-in", {}, 0, {}, {}});
+    for (PageTrack& track : tracks)
+        track.file = "matched/" + track.name + ".flac";
+    return tracks;
+}
+
+std::filesystem::path renderedFile(const std::filesystem::path& folder, const PageTrack& track) {
+    return renderedFolder(folder) / (track.name + ".wav");
+}
+
+/// Brings the files of the tracks to one loudness and fills in what the page shows of them.
+PageContent compare(const Mix& mix, const std::string& layout, const CheckOptions& options) {
+    PageContent content{mix, layout, mix.seconds(), 0, {}, tracksOf()};
+    for (const PageTrack& track : content.tracks) {
+        const render::SoundFileSource file(renderedFile(options.folder, track));
+        content.timelineSeconds =
+            std::max(content.timelineSeconds, static_cast<double>(file.frameCount()) / file.sampleRate());
+    }
+    std::fputs("Measuring loudness, peaks and spectra\n", stderr);
+    tools::onAllCores(content.tracks.size(), [&](std::size_t index) {
+        PageTrack& track = content.tracks[index];
+        track.measures = measureTrack(renderedFile(options.folder, track), content.timelineSeconds);
+    });
+    std::vector<TrackLevel> levels;
+    for (const PageTrack& track : content.tracks) {
+        if (!track.measures.loudness)
+            throw CheckError(
+                "\"" + track.name +
+                "\" has no loudness, since all of it lies under the gate of -70 LUFS: give a mix that is "
+                "louder and lasts a second or more.");
+        levels.push_back({track.name, *track.measures.loudness, track.measures.truePeakDb});
+    }
+    const LoudnessMatch match = matchLoudness(levels, options.loudness);
+    content.loudness = match.loudness;
+    content.limitedBy = match.limitedBy;
+    std::fputs("Writing the matched copies\n", stderr);
+    tools::onAllCores(content.tracks.size(), [&](std::size_t index) {
+        PageTrack& track = content.tracks[index];
+        track.gainDb = match.gainsDb[index];
+        track.windows =
+            writeMatchedCopy(renderedFile(options.folder, track), track.gainDb, options.folder / track.file);
+    });
+    return content;
+}
+
+void report(const PageContent& content, const CheckOptions& options, std::ostream& out) {
+    out << std::fixed << std::setprecision(1);
+    out << "Layout \"" << content.layout << "\". As rendered, and the gain that brings all to "
+        << content.loudness << " LUFS";
+    if (!content.limitedBy.empty())
+        out << " (not " << options.loudness << ": \"" << content.limitedBy << "\" would peak above "
+            << highestTruePeakDb << " dBTP)";
+    out << ":\n";
+    for (const PageTrack& track : content.tracks)
+        out << "  " << std::left << std::setw(18) << track.name << std::right << std::setw(7)
+            << *track.measures.loudness << " LUFS" << std::setw(7) << track.measures.truePeakDb << " dBTP"
+            << std::setw(7) << track.gainDb << " dB\n";
+    out << "Open " << std::filesystem::absolute(pagePath(options.folder)).lexically_normal().string()
+        << " in a browser.\n";
+}
+
+} // namespace
+
+void runCheck(const CheckOptions& options, std::ostream& out) {
+    const Mix mix = openMix(options.mix);
+    const std::string layout = chooseLayout(mix.channelCount, options.layout);
+    render::requireRateAndData(mix.sampleRate);
+    requireSound(mix);
+    prepareFolder(options.folder);
+
+    const auto program = std::filesystem::read_symlink("/proc/self/exe");
+    const auto jobs = sceneJobs(mix, layout, options.folder, program, options.plugin.value_or(""));
+    const auto missing = jobsToRun(jobs, mix, layout, options);
+    if (options.listJobs) {
+        for (const SceneJob& job : missing)
+            out << shellLine(job.command) << "\n";
+        return;
+    }
+    if (missing.size() < jobs.size())
+        std::fprintf(stderr, "%zu of %zu Scenes are rendered already and kept\n",
+                     jobs.size() - missing.size(), jobs.size());
+    renderScenes(missing, mix, options);
+    writeDownmix(mix.path, layout, renderedFolder(options.folder) / (std::string(downmixName) + ".wav"));
+    const PageContent content = compare(mix, layout, options);
+    writePage(content, pagePath(options.folder));
+    report(content, options, out);
+}
+
+} // namespace orvane::kestrum::check

@@ -1,0 +1,42 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "check/Survey.h"
+
+#include <filesystem>
+#include <span>
+#include <string>
+#include <vector>
+
+namespace orvane::kestrum::check {
+
+/// One Scene of one mix: a command that renders it, and where its result lies. The command is one process of
+/// "kestrum render" without any random choice; run anywhere on the same files it writes the same sound.
+struct SceneJob {
+    std::string scene;           ///< Name in the table of Scenes.
+    std::filesystem::path sound; ///< Stereo WAV, 32-bit float.
+    std::filesystem::path facts; ///< JSON that "kestrum render" writes once the sound is whole.
+    std::vector<std::string> command;
+};
+
+/// What stands at the place of a job's result.
+enum class JobResult { missing, ready, other }; ///< other: of another or an earlier mix, or another layout.
+
+/// Where the renderings of a check lie.
+std::filesystem::path renderedFolder(const std::filesystem::path& folder);
+
+/// The sixteen jobs in the order of the Scenes.
+/// @param program the running program, which renders too.
+/// @param plugin  bundle to load; empty for the program's own choice.
+std::vector<SceneJob> sceneJobs(const Mix& mix, const std::string& layout,
+                                const std::filesystem::path& folder, const std::filesystem::path& program,
+                                const std::filesystem::path& plugin);
+
+/// A sound counts as ready only with facts that name this mix and layout and are newer than the mix: a process that
+/// was stopped leaves no facts.
+JobResult resultOf(const SceneJob& job, const Mix& mix, const std::string& layout);
+
+/// The command as a line for the shell.
+std::string shellLine(std::span<const std::string> command);
+
+} // namespace orvane::kestrum::check
