@@ -2,13 +2,13 @@
 #include "check/CheckRun.h"
 
 #include "check/CheckError.h"
+#include "check/CheckFolder.h"
 #include "check/Downmix.h"
 #include "check/LayoutChoice.h"
 #include "check/LoudnessMatch.h"
 #include "check/MatchedCopy.h"
 #include "check/Page.h"
 #include "check/ProgressTable.h"
-#include "check/SceneJobs.h"
 #include "check/Tasks.h"
 #include "data/OnAllCores.h"
 #include "parameters/core/MenuPresentation.h"
@@ -18,7 +18,6 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <fstream>
 #include <iomanip>
 #include <thread>
 #include <vector>
@@ -26,49 +25,6 @@
 namespace orvane::kestrum::check {
 
 namespace {
-
-std::filesystem::path matchedFolder(const std::filesystem::path& folder) { return folder / "matched"; }
-std::filesystem::path pagePath(const std::filesystem::path& folder) { return folder / "index.html"; }
-
-std::string inQuotes(const std::filesystem::path& path) { return "\"" + path.string() + "\""; }
-
-/// Makes the folders. Nothing of anybody else's is written over.
-void prepareFolder(const std::filesystem::path& folder) {
-    if (exists(pagePath(folder)) && !isPage(pagePath(folder)))
-        throw CheckError("The folder " + inQuotes(folder) +
-                         " holds an index.html that is no mix check: name another folder.");
-    std::error_code failure;
-    for (const auto& part : {renderedFolder(folder), matchedFolder(folder)})
-        if (!failure)
-            create_directories(part, failure);
-    const std::filesystem::path probe = folder / ".writable";
-    const bool writable = !failure && std::ofstream(probe).put(' ').flush().good();
-    std::filesystem::remove(probe, failure);
-    if (!writable)
-        throw CheckError("Nothing can be written to the folder " + inQuotes(folder) +
-                         ": name one of yours on a disk with space.");
-}
-
-/// @return the jobs that have to be run; what stands in their place is removed first.
-std::vector<SceneJob> jobsToRun(const std::vector<SceneJob>& jobs, const Mix& mix, const std::string& layout,
-                                const CheckOptions& options) {
-    std::vector<SceneJob> missing;
-    for (const SceneJob& job : jobs) {
-        const JobResult result = resultOf(job, mix, layout);
-        if (result == JobResult::other && !options.replace)
-            throw CheckError(
-                "The folder " + inQuotes(options.folder) +
-                " holds the check of another mix, an earlier one, or another layout: name another "
-                "folder, or write over it with --replace.");
-        if (result != JobResult::ready)
-            missing.push_back(job);
-    }
-    for (const SceneJob& job : missing) {
-        std::filesystem::remove(job.facts);
-        std::filesystem::remove(job.sound);
-    }
-    return missing;
-}
 
 /// How much of each sound lies on the disk. The tail behind the mix is short and not counted.
 std::vector<double> sharesOf(std::span<const SceneJob> jobs, std::span<const TaskState> states,
@@ -112,22 +68,18 @@ std::vector<PageTrack> tracksOf() {
     return tracks;
 }
 
-std::filesystem::path renderedFile(const std::filesystem::path& folder, const PageTrack& track) {
-    return renderedFolder(folder) / (track.name + ".wav");
-}
-
 /// Brings the files of the tracks to one loudness and fills in what the page shows of them.
 PageContent compare(const Mix& mix, const std::string& layout, const CheckOptions& options) {
     PageContent content{mix, layout, mix.seconds(), 0, {}, tracksOf()};
     for (const PageTrack& track : content.tracks) {
-        const render::SoundFileSource file(renderedFile(options.folder, track));
+        const render::SoundFileSource file(renderedFile(options.folder, track.name));
         content.timelineSeconds =
             std::max(content.timelineSeconds, static_cast<double>(file.frameCount()) / file.sampleRate());
     }
     std::fputs("Measuring loudness, peaks and spectra\n", stderr);
     tools::onAllCores(content.tracks.size(), [&](std::size_t index) {
         PageTrack& track = content.tracks[index];
-        track.measures = measureTrack(renderedFile(options.folder, track), content.timelineSeconds);
+        track.measures = measureTrack(renderedFile(options.folder, track.name), content.timelineSeconds);
     });
     std::vector<TrackLevel> levels;
     for (const PageTrack& track : content.tracks) {
@@ -145,8 +97,8 @@ PageContent compare(const Mix& mix, const std::string& layout, const CheckOption
     tools::onAllCores(content.tracks.size(), [&](std::size_t index) {
         PageTrack& track = content.tracks[index];
         track.gainDb = match.gainsDb[index];
-        track.windows =
-            writeMatchedCopy(renderedFile(options.folder, track), track.gainDb, options.folder / track.file);
+        track.windows = writeMatchedCopy(renderedFile(options.folder, track.name), track.gainDb,
+                                         matchedFile(options.folder, track.name));
     });
     return content;
 }
@@ -177,8 +129,9 @@ void runCheck(const CheckOptions& options, std::ostream& out) {
     prepareFolder(options.folder);
 
     const auto program = std::filesystem::read_symlink("/proc/self/exe");
-    const auto jobs = sceneJobs(mix, layout, options.folder, program, options.plugin.value_or(""));
-    const auto missing = jobsToRun(jobs, mix, layout, options);
+    const auto jobs =
+        sceneJobs(mix, layout, options.folder / "rendered", program, options.plugin.value_or(""));
+    const auto missing = jobsToRun(jobs, mix, layout, options.replace);
     if (options.listJobs) {
         for (const SceneJob& job : missing)
             out << shellLine(job.command) << "\n";
@@ -188,7 +141,7 @@ void runCheck(const CheckOptions& options, std::ostream& out) {
         std::fprintf(stderr, "%zu of %zu Scenes are rendered already and kept\n",
                      jobs.size() - missing.size(), jobs.size());
     renderScenes(missing, mix, options);
-    writeDownmix(mix.path, layout, renderedFolder(options.folder) / (std::string(downmixName) + ".wav"));
+    writeDownmix(mix.path, layout, renderedFile(options.folder, downmixName));
     const PageContent content = compare(mix, layout, options);
     writePage(content, pagePath(options.folder));
     report(content, options, out);

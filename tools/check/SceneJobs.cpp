@@ -37,14 +37,12 @@ bool whole(const SceneJob& job, const nlohmann::json& facts) {
 
 } // namespace
 
-std::filesystem::path renderedFolder(const std::filesystem::path& folder) { return folder / "rendered"; }
-
 std::vector<SceneJob> sceneJobs(const Mix& mix, const std::string& layout,
-                                const std::filesystem::path& folder, const std::filesystem::path& program,
+                                const std::filesystem::path& results, const std::filesystem::path& program,
                                 const std::filesystem::path& plugin) {
     std::vector<SceneJob> jobs;
     for (const render::Choice& scene : render::sceneChoices().all()) {
-        const auto place = std::filesystem::absolute(renderedFolder(folder)).lexically_normal() / scene.name;
+        const auto place = std::filesystem::absolute(results).lexically_normal() / scene.name;
         SceneJob job{scene.name, place, place, {}};
         job.sound += ".wav";
         job.facts += ".json";

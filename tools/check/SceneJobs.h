@@ -22,14 +22,12 @@ struct SceneJob {
 /// What stands at the place of a job's result.
 enum class JobResult { missing, ready, other }; ///< other: of another or an earlier mix, or another layout.
 
-/// Where the renderings of a check lie.
-std::filesystem::path renderedFolder(const std::filesystem::path& folder);
-
 /// The sixteen jobs in the order of the Scenes.
+/// @param results where the sounds go.
 /// @param program the running program, which renders too.
 /// @param plugin  bundle to load; empty for the program's own choice.
 std::vector<SceneJob> sceneJobs(const Mix& mix, const std::string& layout,
-                                const std::filesystem::path& folder, const std::filesystem::path& program,
+                                const std::filesystem::path& results, const std::filesystem::path& program,
                                 const std::filesystem::path& plugin);
 
 /// A sound counts as ready only with facts that name this mix and layout and are newer than the mix: a process that

@@ -122,8 +122,8 @@ SoundWindows::SoundWindows(unsigned sampleRate)
 
 SoundWindows::~SoundWindows() = default;
 
-void SoundWindows::encodeWhatIsWhole() {
-    constexpr std::size_t whole = 2 * (windows::leadFrames + windows::windowFrames + windows::trailFrames);
+void SoundWindows::encodeWholeWindows() {
+    constexpr std::size_t whole = 2 * windows::encodedFrames;
     while (held.size() >= whole) {
         done.push_back(base64(encodeOpus(std::span<const float>(held).first(whole))));
         held.erase(held.begin(), held.begin() + static_cast<std::ptrdiff_t>(2 * windows::windowFrames));
@@ -132,15 +132,17 @@ void SoundWindows::encodeWhatIsWhole() {
 
 void SoundWindows::add(std::span<const float> interleaved) {
     resampler->run(interleaved, held);
-    encodeWhatIsWhole();
+    encodeWholeWindows();
 }
 
 std::vector<std::string> SoundWindows::finish() {
     resampler->run({}, held);
-    encodeWhatIsWhole();
-    if (held.size() > 2 * windows::leadFrames) {
-        held.resize(2 * (windows::leadFrames + windows::windowFrames + windows::trailFrames));
-        encodeWhatIsWhole();
+    encodeWholeWindows();
+    std::size_t music = held.size(); // with the lead before it
+    while (music > 2 * windows::leadFrames) {
+        held.resize(2 * windows::encodedFrames);
+        encodeWholeWindows();
+        music -= std::min<std::size_t>(music, 2 * windows::windowFrames);
     }
     return std::move(done);
 }

@@ -12,16 +12,18 @@ namespace orvane::kestrum::check {
 
 /// The page's sound in pieces that can be decoded alone, whichever place the listener jumps to.
 ///
-///     window k      |--lead--|------------- windowFrames -------------|--trail--|
+///     window k      |--lead--|------------- windowFrames -------------|--trail--|--margin--|
 ///     window k + 1                                           |--lead--|------------- ...
 ///
 /// The lead lets the decoder settle before its sound counts; over the trail the player fades from one window to the next.
-/// Window 0 has a lead of silence.
+/// The margin takes the codec's last frame, which an end spoils. Window 0 has a lead of silence.
 namespace windows {
 inline constexpr unsigned sampleRate = 48000; ///< The codec's own.
 inline constexpr std::uint64_t windowFrames = 4 * sampleRate;
 inline constexpr std::uint64_t leadFrames = sampleRate / 10;
 inline constexpr std::uint64_t trailFrames = sampleRate / 50;
+inline constexpr std::uint64_t marginFrames = sampleRate / 20;
+inline constexpr std::uint64_t encodedFrames = leadFrames + windowFrames + trailFrames + marginFrames;
 } // namespace windows
 
 /// Makes the windows of one track.
@@ -38,7 +40,7 @@ public:
     std::vector<std::string> finish();
 
 private:
-    void encodeWhatIsWhole();
+    void encodeWholeWindows();
 
     struct Resampler;
     std::unique_ptr<Resampler> resampler;

@@ -109,6 +109,7 @@
     function drawSpectra() {
         const index = player.wanted ?? player.selected, difference = differenceOf(index);
         element("spectrum-name").textContent = track().shownAs;
+        element("spectrum-against").hidden = index === reference;
         plots.spectrum(element("spectrum"), facts.bandsHz, [
             { levels: facts.tracks[reference].spectrumDb, colour: "--label", width: 1.5, dash: [5, 4] },
             { levels: track().spectrumDb, colour: "--lit", width: 2 }]);
