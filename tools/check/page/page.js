@@ -60,6 +60,10 @@
         return level < -150 || against < -150 ? 0 : level - against; // beyond what this sample rate holds
     });
 
+    // One scale for the large plot of every Scene: 12 dB, or as many sixes as the greatest difference needs, to 24.
+    const greatest = Math.max(...facts.tracks.flatMap((_, index) => differenceOf(index).map(Math.abs)));
+    const reach = Math.min(24, Math.max(12, Math.ceil(greatest / 6) * 6));
+
     function trackRow(index) {
         const { shownAs, loudness, truePeakDb, loudnessRange, gainDb, file } = facts.tracks[index];
         const radio = make("input", { type: "radio", name: "track", value: index, id: `track-${index}`, checked: index === reference });
@@ -113,7 +117,7 @@
         plots.spectrum(element("spectrum"), facts.bandsHz, [
             { levels: facts.tracks[reference].spectrumDb, colour: "--label", width: 1.5, dash: [5, 4] },
             { levels: track().spectrumDb, colour: "--lit", width: 2 }]);
-        plots.difference(element("difference"), facts.bandsHz, difference, 12);
+        plots.difference(element("difference"), facts.bandsHz, difference, reach);
         const words = index === reference ? "This is the Scene that the others are compared with."
             : `${track().shownAs}: ${bandWords(difference)}.`;
         element("spectrum-words").textContent = words;

@@ -92,7 +92,7 @@ const plots = (() => {
     /** What a track has more or less than the reference, band by band. */
     function difference(canvas, bandsHz, levels, reach) {
         const { pen, width, height } = begin(canvas);
-        const { x, y } = axes(pen, width, height, bandsHz, -reach, reach, reach / 2, true);
+        const { x, y } = axes(pen, width, height, bandsHz, -reach, reach, 6, true);
         const inside = (db) => y(Math.max(-reach, Math.min(reach, db)));
         const step = x(bandsHz[1]) - x(bandsHz[0]);
         levels.forEach((db, band) => {
