@@ -46,6 +46,7 @@ inline std::vector<std::vector<float>> readSound(const std::filesystem::path& pa
     orvane::kestrum::render::SoundFileSource file(path);
     std::vector<std::vector<float>> channels(file.channelCount(), std::vector<float>(file.frameCount()));
     std::vector<float*> pointers;
+    pointers.reserve(channels.size());
     for (auto& channel : channels)
         pointers.push_back(channel.data());
     file.read(pointers, file.frameCount());

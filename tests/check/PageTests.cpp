@@ -31,7 +31,7 @@ protected:
             track.measures.lowest.assign(waveformColumns, -0.125f);
             content.tracks.push_back(track);
         }
-        content.tracks[1].windows.push_back("c2Vjb25k");
+        content.tracks[1].windows.emplace_back("c2Vjb25k");
     }
 
     std::string written() const {

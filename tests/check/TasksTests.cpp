@@ -21,6 +21,7 @@ class Tasks : public ::test::FolderTest {};
 
 TEST_F(Tasks, AllRunAndEndDone) {
     std::vector<Task> tasks;
+    tasks.reserve(7);
     for (int number = 0; number < 7; ++number)
         tasks.push_back(shell("task", "touch '" + (folder / std::to_string(number)).string() + "'"));
     std::vector<TaskState> last;

@@ -86,7 +86,7 @@ TEST_F(WholeCheck, IsTheSameWhenOthersRunTheListedJobs) {
     const std::string jobs = outputOf(command("there", "--list-jobs"));
     EXPECT_EQ(std::ranges::count(jobs, '\n'), 16);
     ::test::writeText(folder / "jobs", jobs);
-    const bool parallel = outputOf("command -v parallel") != "";
+    const bool parallel = !outputOf("command -v parallel").empty();
     const std::string file = "'" + (folder / "jobs").string() + "'";
     outputOf(parallel ? "parallel --jobs 2 < " + file : "sort -r " + file + " | sh");
     EXPECT_EQ(outputOf(command("there", "--list-jobs")), "");

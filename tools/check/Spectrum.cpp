@@ -13,7 +13,7 @@ namespace orvane::kestrum::check {
 namespace {
 
 constexpr double lowestHz = 20, bandsPerOctave = 6;
-constexpr int bandCount = 61; // to 20.5 kHz
+constexpr std::size_t bandCount = 61; // to 20.5 kHz
 constexpr double segmentSeconds = 0.3;
 constexpr double silenceDb = -200;
 
@@ -21,8 +21,9 @@ constexpr double silenceDb = -200;
 
 std::vector<double> bandCentresHz() {
     std::vector<double> centres;
-    for (int band = 0; band < bandCount; ++band)
-        centres.push_back(lowestHz * std::exp2(band / bandsPerOctave));
+    centres.reserve(bandCount);
+    for (std::size_t band = 0; band < bandCount; ++band)
+        centres.push_back(lowestHz * std::exp2(static_cast<double>(band) / bandsPerOctave));
     return centres;
 }
 
@@ -97,7 +98,7 @@ std::vector<double> LongTermSpectrum::bandLevelsDb() {
         const double low = centre / halfBand / binHz, high = centre * halfBand / binHz; // in bins
         double sum = 0;
         if (high < static_cast<double>(state->power.size()))
-            for (auto bin = static_cast<std::size_t>(low + 0.5); static_cast<double>(bin) - 0.5 < high;
+            for (auto bin = static_cast<std::size_t>(std::lround(low)); static_cast<double>(bin) - 0.5 < high;
                  ++bin) {
                 // A bin stands for the width of one bin round it; at band edges the part inside counts.
                 const double from = std::max(low, static_cast<double>(bin) - 0.5);

@@ -34,8 +34,8 @@ std::string clockTime(double seconds) {
 
 Mix openMix(const std::filesystem::path& path) {
     const render::SoundFileSource source(path);
-    const Mix mix{std::filesystem::absolute(path).lexically_normal(), source.channelCount(),
-                  source.sampleRate(), source.frameCount()};
+    Mix mix{std::filesystem::absolute(path).lexically_normal(), source.channelCount(), source.sampleRate(),
+            source.frameCount()};
     if (mix.channelCount > widestBus)
         refuse(mix, "has " + std::to_string(mix.channelCount) +
                         " channels and the plug-in takes 16 at most: leave some out.");

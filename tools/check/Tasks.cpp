@@ -19,8 +19,6 @@
 #include <string_view>
 #include <thread>
 
-extern char** environ;
-
 namespace orvane::kestrum::check {
 
 namespace {
@@ -68,6 +66,7 @@ std::string untilItsEnd(int descriptor) {
 /// Starts a process whose error stream is `errors`.
 pid_t start(const std::vector<std::string>& command, int errors) {
     std::vector<char*> arguments;
+    arguments.reserve(command.size() + 1);
     for (const std::string& word : command)
         arguments.push_back(const_cast<char*>(word.c_str())); // the call takes them so and leaves them alone
     arguments.push_back(nullptr);
