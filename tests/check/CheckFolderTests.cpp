@@ -11,10 +11,18 @@ using namespace orvane::kestrum::check;
 using ::test::refusalOf;
 using ::testing::HasSubstr;
 
-class CheckFolder : public ::test::FolderTest {};
+class CheckFolder : public ::test::FolderTest {
+protected:
+    CheckFolder() {
+        ::test::writeSound(folder / "mix.wav", std::vector<float>(6 * 100, 0.1f), 6);
+        mix = openMix(folder / "mix.wav");
+    }
+
+    Mix mix;
+};
 
 TEST_F(CheckFolder, IsMadeWithItsParts) {
-    prepareFolder(folder / "a" / "b");
+    prepareFolder(folder / "a" / "b", mix);
     EXPECT_TRUE(std::filesystem::is_directory(folder / "a" / "b" / "rendered"));
     EXPECT_TRUE(std::filesystem::is_directory(folder / "a" / "b" / "matched"));
     EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder / "a" / "b"), {}), 2);
@@ -23,22 +31,30 @@ TEST_F(CheckFolder, IsMadeWithItsParts) {
 /// A file in the way stops everybody, root too, whom permissions do not.
 TEST_F(CheckFolder, ThatCannotBeMadeIsRefused) {
     ::test::writeText(folder / "file", "");
-    EXPECT_THAT(refusalOf([&] { prepareFolder(folder / "file" / "check"); }),
+    EXPECT_THAT(refusalOf([&] { prepareFolder(folder / "file" / "check", mix); }),
                 HasSubstr("check\": name one of yours on a disk with space."));
 }
 
 TEST_F(CheckFolder, WithSomebodyElsesPageIsLeftAlone) {
     ::test::writeText(folder / "index.html", "my own");
-    EXPECT_THAT(refusalOf([&] { prepareFolder(folder); }),
+    EXPECT_THAT(refusalOf([&] { prepareFolder(folder, mix); }),
                 HasSubstr("is no mix check: name another folder."));
     EXPECT_EQ(::test::readText(folder / "index.html"), "my own");
     EXPECT_FALSE(std::filesystem::exists(folder / "rendered"));
 }
 
+TEST_F(CheckFolder, IsRefusedWhenTheMixItselfLiesAmongTheResults) {
+    prepareFolder(folder, mix);
+    for (const auto& place : {renderedFile(folder, "Club"), matchedFile(folder, "Club")}) {
+        std::filesystem::copy_file(mix.path, place);
+        const Mix inside = openMix(place);
+        EXPECT_THAT(refusalOf([&] { prepareFolder(folder, inside); }),
+                    HasSubstr("which would write over it: name another folder."));
+    }
+}
+
 TEST_F(CheckFolder, OfAnotherMixIsWrittenOverOnlyWhenAskedTo) {
-    prepareFolder(folder);
-    ::test::writeSound(folder / "mix.wav", std::vector<float>(6 * 100, 0.1f), 6);
-    const Mix mix = openMix(folder / "mix.wav");
+    prepareFolder(folder, mix);
     const auto jobs = sceneJobs(mix, "5.1 ITU", folder / "rendered", "kestrum", {});
     const std::string others =
         "{\"input\": \"/elsewhere/mix.wav\", \"layout\": \"5.1 ITU\", \"scene\": \"Club\", "

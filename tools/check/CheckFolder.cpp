@@ -25,8 +25,13 @@ std::filesystem::path matchedFile(const std::filesystem::path& folder, const std
     return folder / "matched" / (track + ".flac");
 }
 
-void prepareFolder(const std::filesystem::path& folder) {
+void prepareFolder(const std::filesystem::path& folder, const Mix& mix) {
     std::error_code failure;
+    for (const auto& file : {renderedFile(folder, ""), matchedFile(folder, "")})
+        if (equivalent(file.parent_path(), mix.path.parent_path(), failure))
+            throw CheckError(
+                "The mix " + inQuotes(mix.path) +
+                " lies among the results of a check, which would write over it: name another folder.");
     if (exists(pagePath(folder), failure) && !isPage(pagePath(folder)))
         throw CheckError("The folder " + inQuotes(folder) +
                          " holds an index.html that is no mix check: name another folder.");

@@ -15,8 +15,8 @@ std::filesystem::path renderedFile(const std::filesystem::path& folder, const st
 std::filesystem::path matchedFile(const std::filesystem::path& folder, const std::string& track);
 
 /// Makes the folders.
-/// @throws CheckError when they cannot be written, or hold a page that is none of ours.
-void prepareFolder(const std::filesystem::path& folder);
+/// @throws CheckError when they cannot be written, hold a page that is none of ours, or the mix itself.
+void prepareFolder(const std::filesystem::path& folder, const Mix& mix);
 
 /// @return the jobs whose results are missing; what stands in their place is removed, so that a command that is stopped
 ///         leaves nothing that looks whole.

@@ -126,7 +126,7 @@ void runCheck(const CheckOptions& options, std::ostream& out) {
     const std::string layout = chooseLayout(mix.channelCount, options.layout);
     render::requireRateAndData(mix.sampleRate);
     requireSound(mix);
-    prepareFolder(options.folder);
+    prepareFolder(options.folder, mix);
 
     const auto program = std::filesystem::read_symlink("/proc/self/exe");
     const auto jobs =

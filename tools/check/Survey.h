@@ -6,7 +6,7 @@
 
 namespace orvane::kestrum::check {
 
-/// The longest mix that one page holds. Its sound is the greater part of the page: ten minutes make about 290 MB, near
+/// The longest mix that one page holds. Its sound is the greater part of the page: ten minutes make about 300 MB, near
 /// what browsers open from disk without complaint.
 inline constexpr double longestMixSeconds = 600;
 

@@ -65,6 +65,7 @@ class Player {
     /** Switches as soon as the other track runs at the playhead; what plays goes on until then. */
     async choose(track) {
         this.wanted = track;
+        if (this.playing) await this.decode(this.windowHere)[track];
         await this.sources.get(this.windowHere)?.[track];
         if (this.wanted === track) this.select(track);
     }
