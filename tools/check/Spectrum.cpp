@@ -79,7 +79,7 @@ void LongTermSpectrum::add(std::span<const float> interleaved) {
 }
 
 std::vector<double> LongTermSpectrum::bandLevelsDb() {
-    if (state->segmentCount == 0 || state->held[0].size() > state->window.size() / 2) {
+    if (state->segmentCount == 0) {
         for (auto& channel : state->held)
             channel.resize(state->window.size());
         state->takeSegment();

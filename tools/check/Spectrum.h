@@ -25,8 +25,9 @@ public:
     /// Takes the next frames, [frames][2] interleaved.
     void add(std::span<const float> interleaved);
 
-    /// Closes with what is left, zeros behind it. @return one level per band; silence is -200 dB, as are bands beyond half
-    /// the sample rate.
+    /// @return one level per band; silence is -200 dB, as are bands beyond half the sample rate. What lies behind the last
+    ///         whole segment does not count: its sudden end would be a sound of its own. Only a signal shorter than one
+    ///         segment is filled up with zeros.
     std::vector<double> bandLevelsDb();
 
 private:
