@@ -56,7 +56,7 @@ std::string helpOf(const std::string& command) {
 
 TEST(Documentation, ShowsTheHelpOfTheDataCommands) {
     const std::string page = contentOf(std::filesystem::path(KESTRUM_DOCS) / "tools" / "kestrum-data.md");
-    for (const std::string command : {"hrir", "reverb", "check", "decay-table", "report"}) {
+    for (const std::string command : {"hrir", "use", "list", "reverb", "check", "decay-table", "report"}) {
         const std::string help = helpOf(command);
         ASSERT_THAT(help, HasSubstr("Usage: kestrum data " + command));
         EXPECT_THAT(page, HasSubstr("```text\n" + help + "```"));
@@ -76,13 +76,29 @@ TEST(HrirCommand, RefusesAFileOfAnotherKind) {
 }
 
 TEST(HrirCommand, RefusesToWorkForNoFolder) {
-    EXPECT_THAT(run("data hrir"), HasSubstr("name one with --out"));
+    EXPECT_THAT(run("data hrir"), HasSubstr("name a folder with --out, or a complete set with --name"));
     EXPECT_THAT(run("data hrir --out /proc/none"), HasSubstr("cannot be made"));
+}
+
+TEST(HrirCommand, RefusesToMakeOneThingInTwoPlacesOrHeadphonesWithoutRooms) {
+    EXPECT_THAT(run("data hrir --out /tmp/none --name mine"), HasSubstr("Both --out and --name are given"));
+    EXPECT_THAT(run("data hrir --out /tmp/none --headphone-eq eq.txt"),
+                HasSubstr("give it a name with --name"));
+}
+
+/// The rooms would be made for the head's ears and the headphones together, and filtered once more by nobody.
+TEST(ReverbCommand, RefusesAHeadWithHeadphonesFoldedIn) {
+    const test::TemporaryFolder folder;
+    std::ofstream(folder.file("about.json")) << R"({"method": 1, "headphones": {"file": "eq.txt"}})";
+    EXPECT_THAT(
+        run("data reverb " + folder.path()),
+        AllOf(HasSubstr("refused: "), HasSubstr("headphones folded in"), HasSubstr("--headphone-eq")));
 }
 
 TEST(HrirCommand, TellsTheOriginWithoutMakingAnything) {
     EXPECT_THAT(run("data hrir --about"),
                 AllOf(HasSubstr("MIT_KEMAR_normal_pinna.sofa"), HasSubstr("\"sha256\"")));
+    EXPECT_THAT(run("data hrir --about --name mine"), AllOf(HasSubstr("\"sha256\""), HasSubstr("\"rooms\"")));
 }
 
 TEST(ReverbCommand, RefusesAFolderWithoutAHeadWithTheRemedy) {

@@ -9,6 +9,7 @@
 #include <nlohmann/json.hpp>
 
 #include <array>
+#include <cmath>
 #include <cstdint>
 #include <fstream>
 #include <system_error>
@@ -32,7 +33,39 @@ int numberIn(const nlohmann::ordered_json& about, const char* name) {
     return there ? about[name].get<int>() : 0;
 }
 
+std::string digestOf(sha256_ctx& context) {
+    std::array<std::uint8_t, SHA256_DIGEST_SIZE> digest{};
+    nettle_sha256_digest(&context, digest.size(), digest.data());
+    constexpr std::string_view digits = "0123456789abcdef";
+    std::string text;
+    for (const unsigned byte : digest) {
+        text += digits[byte >> 4U];
+        text += digits[byte & 15U];
+    }
+    return text;
+}
+
+std::string textIn(const nlohmann::ordered_json& about, const char* name) {
+    const bool there = about.is_object() && about.contains(name) && about[name].is_string();
+    return there ? about[name].get<std::string>() : std::string();
+}
+
+double decibelsIn(const nlohmann::ordered_json& about, const char* name) {
+    const bool there = about.is_object() && about.contains(name) && about[name].is_number();
+    return there ? about[name].get<double>() : 0;
+}
+
+/// In hundredths, so that the text is short and the same everywhere.
+double rounded(double decibels) { return std::round(decibels * 100) / 100; }
+
 } // namespace
+
+std::string sha256OfText(std::string_view text) {
+    sha256_ctx context{};
+    nettle_sha256_init(&context);
+    nettle_sha256_update(&context, text.size(), reinterpret_cast<const std::uint8_t*>(text.data()));
+    return digestOf(context);
+}
 
 std::string sha256OfFile(const std::filesystem::path& file) {
     std::ifstream stream(file, std::ios::binary);
@@ -45,15 +78,7 @@ std::string sha256OfFile(const std::filesystem::path& file) {
     while (stream.read(block.data(), block.size()) || stream.gcount() > 0)
         nettle_sha256_update(&context, static_cast<std::size_t>(stream.gcount()),
                              reinterpret_cast<const std::uint8_t*>(block.data()));
-    std::array<std::uint8_t, SHA256_DIGEST_SIZE> digest{};
-    nettle_sha256_digest(&context, digest.size(), digest.data());
-    constexpr std::string_view digits = "0123456789abcdef";
-    std::string text;
-    for (const unsigned byte : digest) {
-        text += digits[byte >> 4U];
-        text += digits[byte & 15U];
-    }
-    return text;
+    return digestOf(context);
 }
 
 std::string aboutText(const std::filesystem::path& input, const Origin& origin) {
@@ -69,18 +94,55 @@ std::string aboutText(const std::filesystem::path& input, const Origin& origin) 
 }
 
 std::string aboutWithReverb(const std::filesystem::path& folder) {
-    nlohmann::ordered_json about = readAbout(folder);
+    const nlohmann::ordered_json about = readAbout(folder);
     if (!about.is_object())
         throw DataError("\"" + (folder / aboutFileName).string() +
                         "\" is missing or cannot be read: make the head first with \"kestrum data hrir\".");
-    about["rooms"] = {{"method", reverbMethodNumber}, {"seed", reverbSeed}};
-    return textOf(about);
+    return aboutWithRooms(textOf(about));
+}
+
+std::string aboutWithRooms(const std::string& about) {
+    nlohmann::ordered_json whole = nlohmann::ordered_json::parse(about);
+    whole["rooms"] = {{"method", reverbMethodNumber}, {"seed", reverbSeed}};
+    return textOf(whole);
 }
 
 AboutMethods methodsOf(const std::filesystem::path& folder) {
     const nlohmann::ordered_json about = readAbout(folder);
     const bool rooms = about.is_object() && about.contains("rooms");
     return {numberIn(about, "method"), rooms ? numberIn(about["rooms"], "method") : 0};
+}
+
+std::string aboutWithHeadphones(const std::string& about, const AboutHeadphones& headphones) {
+    nlohmann::ordered_json whole = nlohmann::ordered_json::parse(about, nullptr, false);
+    if (!whole.is_object())
+        throw DataError("The set does not say how it was made: make it anew with \"kestrum data hrir\".");
+    whole["headphones"] = {{"file", headphones.fileName},
+                           {"sha256", headphones.sha256},
+                           {"copy", headphones.copyName},
+                           {"correction", headphones.description},
+                           {"levelDb", rounded(headphones.levelDb)},
+                           {"leastDb", rounded(headphones.leastDb)},
+                           {"mostDb", rounded(headphones.mostDb)},
+                           {"method", headphones.method}};
+    return textOf(whole);
+}
+
+std::optional<AboutHeadphones> aboutHeadphones(const std::filesystem::path& folder) {
+    const nlohmann::ordered_json about = readAbout(folder);
+    if (!about.is_object() || !about.contains("headphones"))
+        return std::nullopt;
+    const auto& told = about["headphones"];
+    return AboutHeadphones{textIn(told, "file"),        textIn(told, "sha256"),
+                           textIn(told, "copy"),        textIn(told, "correction"),
+                           decibelsIn(told, "levelDb"), decibelsIn(told, "leastDb"),
+                           decibelsIn(told, "mostDb"),  numberIn(told, "method")};
+}
+
+AboutSource aboutSource(const std::filesystem::path& folder) {
+    const nlohmann::ordered_json about = readAbout(folder);
+    const bool input = about.is_object() && about.contains("input");
+    return {input ? textIn(about["input"], "file") : std::string(), textIn(about, "origin")};
 }
 
 void withdrawRooms(const std::filesystem::path& folder) {

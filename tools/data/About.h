@@ -4,7 +4,9 @@
 #include "data/MeasuredSet.h"
 
 #include <filesystem>
+#include <optional>
 #include <string>
+#include <string_view>
 
 namespace orvane::kestrum::tools {
 
@@ -26,12 +28,45 @@ std::string aboutText(const std::filesystem::path& input, const Origin& origin);
 /// @throws DataError when the folder has no such text, or none that can be read.
 std::string aboutWithReverb(const std::filesystem::path& folder);
 
+/// The same for a text.
+std::string aboutWithRooms(const std::string& about);
+
 /// The methods that a folder's text names; 0 for one that it does not.
 struct AboutMethods {
     int responses = 0;
     int rooms = 0;
 };
 AboutMethods methodsOf(const std::filesystem::path& folder);
+
+/// Raised whenever the same correction would be folded in differently.
+inline constexpr int headphoneMethodNumber = 1;
+
+/// What about.json tells about the headphones that a set was made for.
+struct AboutHeadphones {
+    std::string fileName; ///< As it was given.
+    std::string sha256;
+    std::string copyName; ///< Beside the set's files.
+    std::string description;
+    double levelDb =
+        0; ///< By how much the head is louder than without, in the mean between 250 Hz and 12 kHz.
+    double leastDb = 0; ///< The smallest and the largest gain at any frequency.
+    double mostDb = 0;
+    int method = 0;
+};
+
+/// A complete set's text with the headphones added.
+/// @throws DataError when the text is none of a set.
+std::string aboutWithHeadphones(const std::string& about, const AboutHeadphones& headphones);
+
+/// Nothing for a set that is for any headphones.
+std::optional<AboutHeadphones> aboutHeadphones(const std::filesystem::path& folder);
+
+/// The few facts by which a set is known in a list; empty where the folder does not tell.
+struct AboutSource {
+    std::string inputFile;
+    std::string origin;
+};
+AboutSource aboutSource(const std::filesystem::path& folder);
 
 /// Lets a folder no longer vouch for its rooms, or for its head either, while they are made anew: what is left of an
 /// interrupted run is not taken for a whole set. A folder without the text stays as it is.
@@ -45,5 +80,8 @@ void writeAbout(const std::string& text, const std::filesystem::path& folder);
 /// SHA-256 of a file's bytes, in lower-case hexadecimal.
 /// @throws DataError when the file cannot be read.
 std::string sha256OfFile(const std::filesystem::path& file);
+
+/// SHA-256 of a text.
+std::string sha256OfText(std::string_view text);
 
 } // namespace orvane::kestrum::tools

@@ -9,6 +9,8 @@
 #include "data/Report.h"
 #include "data/ReportCommand.h"
 #include "data/ReverbCommand.h"
+#include "data/SetBuilder.h"
+#include "data/SetCommands.h"
 #include "data/SofaReader.h"
 
 #include <CLI/CLI.hpp>
@@ -22,8 +24,6 @@
 
 namespace orvane::kestrum::tools {
 
-namespace {
-
 void makeFolder(const std::filesystem::path& folder) {
     std::error_code failure;
     std::filesystem::create_directories(folder, failure);
@@ -31,6 +31,8 @@ void makeFolder(const std::filesystem::path& folder) {
         throw DataError("The folder \"" + folder.string() +
                         "\" cannot be made: give one that you may write to.");
 }
+
+namespace {
 
 void tellSource(const MeasuredSet& measured, std::ostream& out) {
     out << "Source: " << measured.origin.title << ", " << measured.measurements.size() << " directions, "
@@ -57,7 +59,40 @@ void tellFindings(const BuiltSet& built, std::ostream& out) {
         << built.leaveOneOut.worstDelaySeconds * 1e6 << " us at worst.)\n";
 }
 
+std::string goalsSentence(const BuiltSet& built) {
+    const auto figures = built.figures();
+    const auto missed = std::ranges::count_if(figures, [](const Figure& figure) { return !figure.met(); });
+    return missed == 0 ? "all goals met" : std::to_string(missed) + " goals missed";
+}
+
+/// One head alone, or a complete set among those of the machine.
+void runHrirCommand(const HrirRequest& request, std::ostream& out) {
+    if (!request.name.empty() && !request.out.empty())
+        throw DataError("Both --out and --name are given: --out is for the head's files alone, --name for a "
+                        "complete set.");
+    if (request.name.empty() && !request.headphoneEq.empty())
+        throw DataError("Headphones are folded into head and rooms alike, so --headphone-eq makes a complete "
+                        "set: give it a "
+                        "name with --name.");
+    if (request.name.empty())
+        runHrir(request, out);
+    else
+        runSet(request, SetStore::ofThisMachine(), out);
+}
+
 } // namespace
+
+BuiltSet makeHead(MeasuredSet measured, const std::string& about, const std::filesystem::path& folder,
+                  std::ostream& out) {
+    tellSource(measured, out);
+    BuiltSet built = buildResponses(std::move(measured));
+    tellFindings(built, out);
+    withdrawAbout(folder);
+    for (const BuiltFile& file : built.files)
+        writeResponseSet(file.set, folder);
+    writeAbout(about, folder);
+    return built;
+}
 
 void runHrir(const HrirRequest& request, std::ostream& out) {
     MeasuredSet measured = readSofa(request.sofa);
@@ -67,44 +102,28 @@ void runHrir(const HrirRequest& request, std::ostream& out) {
         return;
     }
     if (request.out.empty())
-        throw DataError("There is no folder for the files: name one with --out.");
+        throw DataError(
+            "There is no place for the files: name a folder with --out, or a complete set with --name.");
     makeFolder(request.out);
     if (!request.report.empty())
         makeFolder(request.report);
-    tellSource(measured, out);
-    const BuiltSet built = buildResponses(std::move(measured));
-    tellFindings(built, out);
-    withdrawAbout(request.out);
-    for (const BuiltFile& file : built.files)
-        writeResponseSet(file.set, request.out);
-    writeAbout(about, request.out);
+    const BuiltSet built = makeHead(std::move(measured), about, request.out, out);
     if (!request.report.empty()) {
         writeReport(built, about, request.report);
         out << "Report: " << (request.report / "index.html").string() << "\n";
     }
-    const auto figures = built.figures();
-    const auto missed = std::ranges::count_if(figures, [](const Figure& figure) { return !figure.met(); });
     out << "Wrote OVNdata120.dat, OVNdata121.dat and OVNdata122.dat to \"" << request.out.string()
-        << "\": " << (missed == 0 ? std::string("all goals met") : std::to_string(missed) + " goals missed")
-        << ".\n";
+        << "\": " << goalsSentence(built) << ".\n";
 }
 
 void runCheck(const std::filesystem::path& folder, std::ostream& out) {
     if (!std::filesystem::is_directory(folder))
         throw DataError("\"" + folder.string() +
                         "\" is no folder: make and install the data with scripts/install-data.");
-    std::string remedy;
-    std::size_t faults = 0;
-    for (const FileVerdict& verdict : checkDataFolder(folder)) {
+    const std::vector<FileVerdict> verdicts = checkDataFolder(folder);
+    for (const FileVerdict& verdict : verdicts)
         out << (verdict.sound ? "sound  " : "FAULT  ") << verdict.name << ": " << verdict.finding << ".\n";
-        if (!verdict.sound) {
-            if (faults++ == 0)
-                remedy = verdict.remedy; // what comes later in the list is made of what comes first
-        }
-    }
-    if (faults > 0)
-        throw DataError("The data folder \"" + folder.string() + "\" has " + std::to_string(faults) +
-                        (faults == 1 ? " file" : " files") + " missing or not sound: " + remedy);
+    requireSoundFolder(folder, verdicts);
     out << "The data folder \"" << folder.string() << "\" is complete and sound.\n";
 }
 
@@ -118,13 +137,22 @@ void addHrirCommand(CLI::App& data, std::ostream& out) {
     command->add_option("--out", request->out, "Folder for the three files and about.json; made when missing")
         ->type_name("DIR");
     command
+        ->add_option("--name", request->name, "Make a complete set of this name, rooms and all, for \"use\"")
+        ->type_name("NAME");
+    command
+        ->add_option("--headphone-eq", request->headphoneEq,
+                     "With --name: fold in a correction of headphones, a parametric equaliser's text or a "
+                     "response as WAV")
+        ->type_name("FILE");
+    command
         ->add_option("--report", request->report,
                      "Folder for a page with plots and a verdict (needs gnuplot)")
         ->type_name("DIR");
     command->add_flag("--about", request->aboutOnly, "Only print the about.json that the set would carry");
-    command->footer("Example:\n"
-                    "  kestrum data hrir --out my-head --sofa my-head.sofa --report my-head-report");
-    command->callback([request, &out] { runHrir(*request, out); });
+    command->footer("Examples:\n"
+                    "  kestrum data hrir --out my-head --sofa my-head.sofa --report my-head-report\n"
+                    "  kestrum data hrir --name mine --sofa my-head.sofa --headphone-eq my-headphones.txt");
+    command->callback([request, &out] { runHrirCommand(*request, out); });
 }
 
 void addCheckCommand(CLI::App& data, std::ostream& out) {
@@ -139,13 +167,14 @@ void addCheckCommand(CLI::App& data, std::ostream& out) {
 
 void addDataCommands(CLI::App& program, std::ostream& out) {
     CLI::App* const data =
-        program.add_subcommand("data", "Makes, checks and shows the plug-in's data files.");
+        program.add_subcommand("data", "Makes, checks, shows and switches the plug-in's data files.");
     data->require_subcommand(1);
     addHrirCommand(*data, out);
     addCheckCommand(*data, out);
     addDecayTableCommand(*data, out);
     addReportCommand(*data, out);
     addReverbCommand(*data, out);
+    addSetCommands(*data, out);
 }
 
 void addDataCommands(CLI::App& program) { addDataCommands(program, std::cout); }

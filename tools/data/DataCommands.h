@@ -1,8 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "data/HrirBuilder.h"
+
 #include <filesystem>
 #include <iosfwd>
+#include <string>
 
 namespace CLI {
 class App;
@@ -16,9 +19,11 @@ inline constexpr const char* defaultSofaFile = "/usr/share/libmysofa/MIT_KEMAR_n
 /// What "kestrum data hrir" was asked for.
 struct HrirRequest {
     std::filesystem::path sofa = defaultSofaFile;
-    std::filesystem::path out;    ///< Made when missing.
-    std::filesystem::path report; ///< Empty for no report.
-    bool aboutOnly = false;       ///< Only say what the set would be made of.
+    std::filesystem::path out;         ///< Made when missing.
+    std::filesystem::path report;      ///< Empty for no report.
+    bool aboutOnly = false;            ///< Only say what the set would be made of.
+    std::string name;                  ///< Of a complete set among those of the machine, instead of `out`.
+    std::filesystem::path headphoneEq; ///< Empty for no headphones in particular; needs a name.
 };
 
 /// Adds "data" with its commands to a program. Parsing a command line that names one of them runs it.
@@ -31,6 +36,14 @@ void addHrirCommand(CLI::App& data, std::ostream& out);
 
 /// Adds "check", which says whether a data folder is complete and sound.
 void addCheckCommand(CLI::App& data, std::ostream& out);
+
+/// Builds a head's content and writes its three files and about.json, telling what was found out on the way.
+/// @throws DataError when the set cannot serve or the folder cannot be written.
+BuiltSet makeHead(MeasuredSet measured, const std::string& about, const std::filesystem::path& folder,
+                  std::ostream& out);
+
+/// @throws DataError when there is no such folder and none can be made.
+void makeFolder(const std::filesystem::path& folder);
 
 /// Makes the three files, and the report where one is wanted.
 void runHrir(const HrirRequest& request, std::ostream& out);

@@ -19,6 +19,8 @@ namespace {
 constexpr const char* remakeRemedy = "make the set anew with \"kestrum data hrir\" or scripts/install-data.";
 constexpr const char* remakeRoomsRemedy =
     "make the rooms anew with \"kestrum data reverb\" or scripts/install-data.";
+constexpr const char* remakeHeadphonesRemedy =
+    "make the set anew with \"kestrum data hrir --name NAME --headphone-eq FILE\".";
 
 bool silent(const Samples& samples) {
     return std::ranges::all_of(samples, [](double sample) { return sample == 0; });
@@ -34,13 +36,14 @@ void requireUsableSamples(const ResponseSet& set) {
         }
 }
 
-double requirePlausibleLevel(const ResponseSet& set) {
+/// @param meantDb 0 but for a head with headphones folded in.
+double requirePlausibleLevel(const ResponseSet& set, double meantDb) {
     constexpr double farOffDb = 12;
     const double level =
         meanLevelDb(diffuseBands(set.responses, gridWeights(), set.file.sampleRate, set.file.flatToHz));
-    if (std::abs(level) > farOffDb)
-        throw DataError("its mean level is " + std::to_string(std::lround(level)) +
-                        " dB instead of about 0 dB");
+    if (std::abs(level - meantDb) > farOffDb)
+        throw DataError("its mean level is " + std::to_string(std::lround(level)) + " dB instead of about " +
+                        std::to_string(std::lround(meantDb)) + " dB");
     return level;
 }
 
@@ -66,8 +69,9 @@ double requireSides(const ResponseSet& set) {
     return rightDelay;
 }
 
+/// @param headphones can have moved every peak by any gain that they have at a frequency.
 /// @return the largest peak of all rooms, in decibels.
-double requireUsableRooms(const ReverbSet& set) {
+double requireUsableRooms(const ReverbSet& set, const AboutHeadphones& headphones) {
     // The other rates' responses are scaled to filter alike, and their peaks fall elsewhere between the samples.
     constexpr double softerDb = 4;
     constexpr double louderDb = 7;
@@ -85,12 +89,34 @@ double requireUsableRooms(const ReverbSet& set) {
         }
         const double peakDb = 20 * std::log10(peak);
         const LevelRange range = levelRange(entry.room);
-        if (peakDb < range.from - softerDb || peakDb > range.to + louderDb)
+        if (peakDb < range.from - softerDb + headphones.leastDb ||
+            peakDb > range.to + louderDb + headphones.mostDb)
             throw DataError(room + " has its peak at " + std::to_string(std::lround(peakDb)) +
                             " dB, where no calibration puts it");
         largest = std::max(largest, peakDb);
     }
     return largest;
+}
+
+/// Gains of 0 dB for a set that is for any headphones.
+AboutHeadphones headphonesOrNone(const std::filesystem::path& folder) {
+    return aboutHeadphones(folder).value_or(AboutHeadphones{});
+}
+
+/// What is wrong with the headphones that a set is said to be for; nothing where all is right.
+std::string headphoneFault(const std::filesystem::path& folder) {
+    const std::optional<AboutHeadphones> headphones = aboutHeadphones(folder);
+    if (!headphones)
+        return "";
+    if (headphones->method != headphoneMethodNumber)
+        return "the headphones were folded in by another version of this program";
+    try {
+        if (sha256OfFile(folder / headphones->copyName) != headphones->sha256)
+            return headphones->copyName + " is not the correction that the set was made with";
+    } catch (const DataError&) {
+        return headphones->copyName + ", the correction that the set was made with, is missing";
+    }
+    return "";
 }
 
 } // namespace
@@ -100,7 +126,7 @@ FileVerdict checkResponseFile(const ResponseFile& file, const std::filesystem::p
     try {
         const ResponseSet set = readResponseSet(file, folder);
         requireUsableSamples(set);
-        const double level = requirePlausibleLevel(set);
+        const double level = requirePlausibleLevel(set, headphonesOrNone(folder).levelDb);
         const double delay = requireSides(set);
         std::ostringstream facts;
         facts << responseCount << " responses of " << file.length << " frames at " << file.sampleRate
@@ -120,7 +146,7 @@ FileVerdict checkReverbFile(const ReverbFile& file, const std::filesystem::path&
     FileVerdict verdict{std::string(file.name), false, {}, {}};
     try {
         const ReverbSet set = readReverbSet(file, folder);
-        const double largest = requireUsableRooms(set);
+        const double largest = requireUsableRooms(set, headphonesOrNone(folder));
         std::ostringstream facts;
         facts << set.entries.size() << " rooms at " << file.sampleRate << " Hz, the largest peak at "
               << std::showpos << std::fixed << std::setprecision(1) << largest << " dB";
@@ -144,8 +170,17 @@ FileVerdict checkAbout(const std::filesystem::path& folder) {
         verdict.finding = methods.rooms == 0 ? "it does not say how the rooms were made"
                                              : "the rooms were made by another version of this program";
         verdict.remedy = remakeRoomsRemedy;
-    } else
-        verdict = {aboutFileName, true, "head and rooms were made by this program's methods", {}};
+    } else if (const std::string fault = headphoneFault(folder); !fault.empty()) {
+        verdict.finding = fault;
+        verdict.remedy = remakeHeadphonesRemedy;
+    } else {
+        const std::string headphones = headphonesOrNone(folder).fileName;
+        verdict = {aboutFileName,
+                   true,
+                   "head and rooms were made by this program's methods" +
+                       (headphones.empty() ? "" : ", with the headphones of " + headphones + " folded in"),
+                   {}};
+    }
     return verdict;
 }
 
@@ -171,6 +206,16 @@ std::vector<FileVerdict> checkDataFolder(const std::filesystem::path& folder) {
     for (const FileRule& rule : rules)
         verdicts.push_back(rule.check(folder));
     return verdicts;
+}
+
+void requireSoundFolder(const std::filesystem::path& folder, const std::vector<FileVerdict>& verdicts) {
+    const auto faults = std::ranges::count(verdicts, false, &FileVerdict::sound);
+    if (faults == 0)
+        return;
+    // What comes later in the list is made of what comes first.
+    throw DataError("The data folder \"" + folder.string() + "\" has " + std::to_string(faults) +
+                    (faults == 1 ? " file" : " files") + " missing or not sound: " +
+                    std::ranges::find(verdicts, false, &FileVerdict::sound)->remedy);
 }
 
 } // namespace orvane::kestrum::tools

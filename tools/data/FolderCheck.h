@@ -31,6 +31,10 @@ std::vector<FileRule> dataFolderRules();
 /// Applies every rule, in order.
 std::vector<FileVerdict> checkDataFolder(const std::filesystem::path& folder);
 
+/// Refuses a folder that is not complete and sound.
+/// @throws DataError that counts the faults and names the remedy of the first.
+void requireSoundFolder(const std::filesystem::path& folder, const std::vector<FileVerdict>& verdicts);
+
 /// Whether one file of responses can be relied on: there and whole, every sample a finite number, no response
 /// silent, the mean level near 0 dB, and each ear louder and earlier for sources on its own side.
 FileVerdict checkResponseFile(const ResponseFile& file, const std::filesystem::path& folder);

@@ -102,7 +102,7 @@ Plot writeDiffuse(const ResponseSets& sets, const std::filesystem::path& folder)
                                                        "pt 9 lc rgb '#d55e00'"};
     PlotTable table(folder, "diffuse.txt");
     std::string script = "set xlabel 'frequency (Hz)'; set ylabel 'level (dB)'; set logscale x; set grid\n"
-                         "set xrange [200:15000]; set yrange [-2:2]\nplot ";
+                         "set xrange [200:15000]; set yrange [*<-2:2<*]\nplot ";
     for (std::size_t index = 0; index < sets.size(); ++index) {
         const ResponseSet& set = sets[index];
         for (const BandLevel& band :

@@ -86,7 +86,8 @@ std::string figureTable(const std::vector<Figure>& figures) {
 
 } // namespace
 
-void writeReport(const BuiltSet& built, const std::string& about, const std::filesystem::path& folder) {
+void writeReport(const BuiltSet& built, const std::string& about, const std::filesystem::path& folder,
+                 const std::string& chapter) {
     std::vector<Plot> plots{writeCoverage(built, folder)};
     const ResponseSets sets{built.files[0].set, built.files[1].set, built.files[2].set};
     std::ranges::move(writeHeadPlots(sets, sourcePoints(built), folder), std::back_inserter(plots));
@@ -103,7 +104,7 @@ void writeReport(const BuiltSet& built, const std::string& about, const std::fil
          << fixedText(built.leaveOneOut.worstDelaySeconds * 1e6, 2) << " us at worst.</p>\n";
     for (const Plot& plot : plots)
         page << figureElement(plot, folder);
-    page << "<h2>Origin</h2>\n<pre>" << escaped(about) << "</pre>\n</body>\n</html>\n";
+    page << chapter << "<h2>Origin</h2>\n<pre>" << escaped(about) << "</pre>\n</body>\n</html>\n";
     writePage(page.str(), folder);
 }
 

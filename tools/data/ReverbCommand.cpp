@@ -51,23 +51,32 @@ void writeRooms(const std::vector<ReverbEntry>& rooms, const std::string& about,
     writeAbout(about, folder);
 }
 
-void runReverb(const ReverbRequest& request, std::ostream& out) {
-    if (!std::filesystem::is_directory(request.folder))
-        throw DataError("\"" + request.folder.string() + "\" is no folder" + remedy);
-    const std::string about = aboutWithReverb(request.folder);
-    if (request.aboutOnly) {
-        out << about;
-        return;
-    }
-    const DiffuseHead head(readHead(request.folder));
+void makeRooms(const std::filesystem::path& folder, std::ostream& out) {
+    const std::string about = aboutWithReverb(folder);
+    const DiffuseHead head(readHead(folder));
     std::size_t count = 0;
     std::vector<ReverbEntry> rooms = synthesiseRooms(head, [&](const RoomDescription& room) {
         out << "Room " << ++count << " of " << roomDescriptions().size() << ": " << room.name << ".\n"
             << std::flush;
     });
     out << "Levels, by rendering the Scenes:\n" << std::flush;
-    tellFigures(calibrateLevels(rooms, request.folder), out);
-    writeRooms(rooms, about, request.folder);
+    tellFigures(calibrateLevels(rooms, folder), out);
+    writeRooms(rooms, about, folder);
+}
+
+void runReverb(const ReverbRequest& request, std::ostream& out) {
+    if (!std::filesystem::is_directory(request.folder))
+        throw DataError("\"" + request.folder.string() + "\" is no folder" + remedy);
+    if (aboutHeadphones(request.folder))
+        throw DataError(
+            "The head in \"" + request.folder.string() +
+            "\" has headphones folded in, so rooms cannot be made from it: make the whole set anew with "
+            "\"kestrum data hrir --name NAME --headphone-eq FILE\".");
+    if (request.aboutOnly) {
+        out << aboutWithReverb(request.folder);
+        return;
+    }
+    makeRooms(request.folder, out);
     out << "Wrote OVNdata510.dat, OVNdata511.dat and OVNdata512.dat to \"" << request.folder.string()
         << "\".\n";
 }

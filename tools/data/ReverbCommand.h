@@ -23,6 +23,10 @@ struct ReverbRequest {
 /// Adds "reverb", which makes the files of rooms for the head of a data folder.
 void addReverbCommand(CLI::App& data, std::ostream& out);
 
+/// Makes the rooms for the head of a folder, telling each, and adds them to about.json.
+/// @throws DataError as runReverb() does.
+void makeRooms(const std::filesystem::path& folder, std::ostream& out);
+
 /// Makes the three files and adds them to the folder's about.json.
 /// @throws DataError with the remedy when the folder lacks the head, holds a damaged one, or cannot be written.
 void runReverb(const ReverbRequest& request, std::ostream& out);

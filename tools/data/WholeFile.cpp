@@ -4,6 +4,7 @@
 #include "data/DataError.h"
 
 #include <fstream>
+#include <iterator>
 #include <string>
 
 namespace orvane::kestrum::tools {
@@ -26,10 +27,20 @@ void writeWhole(const Bytes& bytes, const std::filesystem::path& target) {
     std::error_code failure;
     if (stream)
         std::filesystem::rename(half, target, failure);
-    if (!stream || failure)
+    if (!stream || failure) {
+        std::filesystem::remove(half, failure);
         throw DataError("\"" + target.string() +
                         "\" cannot be written: give a folder that you may write to, with room for " +
                         std::to_string(bytes.size() / 1000000 + 1) + " MB.");
+    }
+}
+
+void copyWhole(const std::filesystem::path& source, const std::filesystem::path& target) {
+    std::ifstream stream(source, std::ios::binary);
+    const Bytes bytes((std::istreambuf_iterator<char>(stream)), std::istreambuf_iterator<char>());
+    if (!stream)
+        throw DataError("\"" + source.string() + "\" cannot be read: name a file that you may read.");
+    writeWhole(bytes, target);
 }
 
 } // namespace orvane::kestrum::tools
