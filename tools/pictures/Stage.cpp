@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "pictures/Stage.h"
 
-#include "pictures/ChannelNames.h"
+#include "channels/ChannelNames.h"
 
 #include <algorithm>
 #include <array>
@@ -132,7 +132,7 @@ Point stage::drawn(double x, double z, double up) noexcept {
 bool overlap(const Area& a, const Area& b) noexcept { return sharedArea(a, b) > 0; }
 
 std::vector<StagedSpeaker> staged(const core::LayoutRow& layout, const Font& font) {
-    const std::vector<std::string> names = channelNames(layout);
+    const std::vector<std::string> names = channels::briefNames(layout);
     std::vector<StagedSpeaker> result;
     for (const core::SpeakerRow& speaker : layout.speakers) {
         StagedSpeaker one;
