@@ -13,7 +13,7 @@ namespace orvane::kestrum::render {
 namespace {
 
 struct RateRow {
-    int rate;
+    unsigned rate;
     const char* responses; ///< The file with the head's responses that serves this rate.
 };
 
@@ -26,6 +26,13 @@ constexpr std::array<RateRow, 7> rates{{{24000, "OVNdata122.dat"},
                                         {192000, "OVNdata121.dat"}}};
 
 } // namespace
+
+std::vector<unsigned> servedRates() {
+    std::vector<unsigned> served;
+    for (const RateRow& row : rates)
+        served.push_back(row.rate);
+    return served;
+}
 
 void requireRateAndData(double sampleRate, const std::filesystem::path& folder) {
     const auto row = std::ranges::find_if(

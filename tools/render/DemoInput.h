@@ -1,12 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "render/Recording.h"
+
 #include <filesystem>
 
 namespace orvane::kestrum::render {
-
-/// Where Debian's alsa-utils keeps its recordings of spoken channel names.
-inline constexpr const char* spokenNamesFolder = "/usr/share/sounds/alsa";
 
 /// Writes a "5.1 ITU" file in which each channel speaks its own name, one after another: left, right, centre,
 /// low frequencies (the recordings' noise), left surround, right surround (the rear voices).
