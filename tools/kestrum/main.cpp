@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "check/CheckCommand.h"
 #include "data/DataCommands.h"
+#include "identify/IdentifyCommand.h"
 #include "render/RenderCommand.h"
 
 #include <CLI/CLI.hpp>
@@ -17,6 +18,7 @@ int run(int argumentCount, char** arguments) {
     program.require_subcommand(1);
     try {
         orvane::kestrum::render::addRenderCommands(program);
+        orvane::kestrum::identify::addIdentifyCommands(program);
         orvane::kestrum::tools::addDataCommands(program);
         orvane::kestrum::check::addCheckCommand(program);
         program.parse(argumentCount, arguments);
