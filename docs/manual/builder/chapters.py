@@ -111,9 +111,10 @@ class Chapters:
         return self.framed(name, caption)
 
     def picture(self, name, caption, width="100%"):
-        """A screenshot so wide."""
-        shutil.copy(self.existing("images", name), self.work / name)
-        return self.framed(name, caption, "screenshot", width)
+        """A screenshot so wide, by its path in docs/images."""
+        source = self.existing("images", name)
+        shutil.copy(source, self.work / source.name)
+        return self.framed(source.name, caption, "screenshot", width)
 
     def window(self, caption):
         drawing = window.drawing(self.existing("images", "mix-room.png").read_bytes())

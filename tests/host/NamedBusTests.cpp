@@ -1,0 +1,174 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// Which loudspeaker plays which channel when a host names the channels of its bus: the framework then hands some over in an
+// order of its own. Every channel is fed alone; the reference is each loudspeaker, fed alone on a bus without names. The
+// page for users says what comes out.
+#include "BundleSupport.h"
+
+#include "channels/ChannelNames.h"
+#include "identify/ChannelFile.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <array>
+#include <cctype>
+#include <cstdint>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <sstream>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace {
+
+using namespace orvane::kestrum;
+using namespace orvane::kestrum::host;
+using namespace orvane::kestrum::host::test;
+using ::testing::HasSubstr;
+
+constexpr std::size_t length = 1024;
+constexpr std::uint64_t stereo = 0x3;
+
+/// A speaker of the interfaces: its own short name, its bit, and what our layouts call its channel.
+struct NamedSpeaker {
+    std::string_view name;
+    unsigned bit;
+    std::string_view brief;
+};
+constexpr std::array<NamedSpeaker, 19> speakers{{{"L", 0, "L"},
+                                                 {"R", 1, "R"},
+                                                 {"C", 2, "C"},
+                                                 {"Lfe", 3, "LFE"},
+                                                 {"Ls", 4, "Ls"},
+                                                 {"Rs", 5, "Rs"},
+                                                 {"Lc", 6, "Lc"},
+                                                 {"Rc", 7, "Rc"},
+                                                 {"Cs", 8, "Cs"},
+                                                 {"Sl", 9, "Lss"},
+                                                 {"Sr", 10, "Rss"},
+                                                 {"Tc", 11, "Top"},
+                                                 {"Tfl", 12, "Ltf"},
+                                                 {"Tfc", 13, "Ctf"},
+                                                 {"Tfr", 14, "Rtf"},
+                                                 {"Trl", 15, "Ltr"},
+                                                 {"Trr", 17, "Rtr"},
+                                                 {"Tsl", 24, "Ltm"},
+                                                 {"Tsr", 25, "Rtm"}}};
+
+const NamedSpeaker& speakerCalled(std::string_view name) {
+    return *std::ranges::find(speakers, name, &NamedSpeaker::name);
+}
+
+/// A bus as the interfaces name it, in their order, and the layout for it.
+struct NamedBus {
+    std::string_view layout;
+    std::string_view names;
+
+    std::vector<std::string> list() const {
+        std::istringstream words{std::string(names)};
+        return {std::istream_iterator<std::string>(words), {}};
+    }
+};
+constexpr std::array<NamedBus, 21> buses{{{"Quad", "L R Ls Rs"},
+                                          {"LRCS", "L R C Cs"},
+                                          {"5.0 ITU", "L R C Ls Rs"},
+                                          {"5.1 ITU", "L R C Lfe Ls Rs"},
+                                          {"6.0", "L R C Ls Rs Cs"},
+                                          {"6.1", "L R C Lfe Ls Rs Cs"},
+                                          {"7.0", "L R C Ls Rs Sl Sr"},
+                                          {"7.1", "L R C Lfe Ls Rs Sl Sr"},
+                                          {"7.1 SDDS", "L R C Lfe Ls Rs Lc Rc"},
+                                          {"5.0.2", "L R C Ls Rs Tfl Tfr"},
+                                          {"5.1.2", "L R C Lfe Ls Rs Tsl Tsr"},
+                                          {"5.0.4", "L R C Ls Rs Tfl Tfr Trl Trr"},
+                                          {"5.1.4", "L R C Lfe Ls Rs Tfl Tfr Trl Trr"},
+                                          {"7.0.2", "L R C Ls Rs Sl Sr Tsl Tsr"},
+                                          {"7.1.2", "L R C Lfe Ls Rs Sl Sr Tsl Tsr"},
+                                          {"8.0", "L R Ls Rs Tfl Tfr Trl Trr"},
+                                          {"11.1", "L R C Lfe Ls Rs Tc Tfl Tfc Tfr Trl Trr"},
+                                          {"13.1", "L R C Lfe Ls Rs Sl Sr Tc Tfl Tfc Tfr Trl Trr"},
+                                          {"7.0.4", "L R C Ls Rs Sl Sr Tfl Tfr Trl Trr"},
+                                          {"7.1.4", "L R C Lfe Ls Rs Sl Sr Tfl Tfr Trl Trr"},
+                                          {"9.1.6", "L R C Lfe Ls Rs Lc Rc Sl Sr Tfl Tfr Trl Trr Tsl Tsr"}}};
+
+/// What each channel of a bus sounds like when it is fed alone.
+std::vector<Channels> heardAlone(PluginInstance& plugin) {
+    const std::size_t count = plugin.inputChannelCount();
+    const std::vector<float> sound = noise(1, length).front();
+    std::vector<Channels> heard;
+    for (std::size_t channel = 0; channel < count; ++channel) {
+        Channels input = silence(count, length);
+        input[channel] = sound;
+        plugin.prepare(48000, 512, ProcessMode::offline);
+        heard.push_back(play(plugin, input, 512));
+        plugin.release();
+    }
+    return heard;
+}
+
+/// The names of the loudspeakers that play the bus's channels, in the bus's order; "?" for none.
+std::vector<std::string> playedBy(const NamedBus& bus) {
+    std::uint64_t arrangement = 0;
+    for (const std::string& name : bus.list())
+        arrangement |= std::uint64_t{1} << speakerCalled(name).bit;
+    const std::vector<std::string> names = channels::briefNames(identify::layoutNamed(bus.layout));
+    const auto unnamed = makeInstance(static_cast<unsigned>(names.size()), bus.layout);
+    const std::vector<Channels> reference = heardAlone(*unnamed);
+    const auto named = makeInstance(static_cast<unsigned>(names.size()), bus.layout);
+    EXPECT_TRUE(named->setArrangements(arrangement, stereo));
+    std::vector<std::string> players;
+    for (const Channels& sound : heardAlone(*named)) {
+        const auto found = std::ranges::find(reference, sound);
+        players.push_back(
+            found != reference.end() ? names[static_cast<std::size_t>(found - reference.begin())] : "?");
+    }
+    return players;
+}
+
+/// In a bus with side speakers, the interfaces' surrounds stand behind.
+std::vector<std::string> rightPlayers(const NamedBus& bus) {
+    const std::vector<std::string> names = bus.list();
+    const bool sides = std::ranges::count(names, "Sl") > 0;
+    std::vector<std::string> players;
+    for (const std::string& name : names)
+        players.push_back(sides && name == "Ls"   ? "Lrs"
+                          : sides && name == "Rs" ? "Rrs"
+                                                  : std::string(speakerCalled(name).brief));
+    return players;
+}
+
+std::string joined(const std::vector<std::string>& words) {
+    std::string text;
+    for (const std::string& word : words)
+        text += (text.empty() ? "" : " ") + word;
+    return text;
+}
+
+class NamedBuses : public ::testing::TestWithParam<NamedBus> {};
+
+TEST_P(NamedBuses, ArePlayedAsThePageForUsersSays) {
+    const NamedBus& bus = GetParam();
+    const std::vector<std::string> players = playedBy(bus);
+    std::vector<std::string> right = rightPlayers(bus);
+    if (bus.layout == "9.1.6") { // the interfaces' "left of centre" stands where this layout's wide pair does
+        std::ranges::replace(right, "Lc", "Lw");
+        std::ranges::replace(right, "Rc", "Rw");
+    }
+    std::ifstream file(std::filesystem::path(KESTRUM_DOCS) / "hosts" / "named-buses.md");
+    const std::string page{std::istreambuf_iterator<char>(file), {}};
+    EXPECT_THAT(page, HasSubstr("| " + std::string(bus.layout) + " | " + std::string(bus.names) + " | " +
+                                joined(players) + " | " + (players == right ? "yes" : "**no**") + " |\n"));
+}
+
+std::string asTestName(const ::testing::TestParamInfo<NamedBus>& bus) {
+    std::string name = "Bus_";
+    for (const char letter : bus.param.layout)
+        name += std::isalnum(static_cast<unsigned char>(letter)) != 0 ? letter : '_';
+    return name;
+}
+INSTANTIATE_TEST_SUITE_P(OfEveryNamedLayout, NamedBuses, ::testing::ValuesIn(buses), asTestName);
+
+} // namespace
