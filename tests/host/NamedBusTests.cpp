@@ -128,15 +128,21 @@ std::vector<std::string> playedBy(const NamedBus& bus) {
     return players;
 }
 
-/// In a bus with side speakers, the interfaces' surrounds stand behind.
+/// Where the channels belong. In a bus with side speakers, the interfaces' surrounds stand behind; in one with both side and
+/// "left of centre", the latter stands where our layout has its wide pair.
 std::vector<std::string> rightPlayers(const NamedBus& bus) {
     const std::vector<std::string> names = bus.list();
     const bool sides = std::ranges::count(names, "Sl") > 0;
-    std::vector<std::string> players;
-    for (const std::string& name : names)
-        players.push_back(sides && name == "Ls"   ? "Lrs"
-                          : sides && name == "Rs" ? "Rrs"
-                                                  : std::string(speakerCalled(name).brief));
+    const auto playerOf = [sides](const std::string& name) {
+        std::string player(speakerCalled(name).brief);
+        if (sides && (player == "Ls" || player == "Rs"))
+            player.insert(1, "r");
+        if (sides && (player == "Lc" || player == "Rc"))
+            player[1] = 'w';
+        return player;
+    };
+    std::vector<std::string> players(names.size());
+    std::ranges::transform(names, players.begin(), playerOf);
     return players;
 }
 
@@ -152,11 +158,7 @@ class NamedBuses : public ::testing::TestWithParam<NamedBus> {};
 TEST_P(NamedBuses, ArePlayedAsThePageForUsersSays) {
     const NamedBus& bus = GetParam();
     const std::vector<std::string> players = playedBy(bus);
-    std::vector<std::string> right = rightPlayers(bus);
-    if (bus.layout == "9.1.6") { // the interfaces' "left of centre" stands where this layout's wide pair does
-        std::ranges::replace(right, "Lc", "Lw");
-        std::ranges::replace(right, "Rc", "Rw");
-    }
+    const std::vector<std::string> right = rightPlayers(bus);
     std::ifstream file(std::filesystem::path(KESTRUM_DOCS) / "hosts" / "named-buses.md");
     const std::string page{std::istreambuf_iterator<char>(file), {}};
     EXPECT_THAT(page, HasSubstr("| " + std::string(bus.layout) + " | " + std::string(bus.names) + " | " +

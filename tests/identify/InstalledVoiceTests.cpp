@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // The voices as Debian installs them, and what is said when they are not there.
-#include "identify/EspeakSpeech.h"
 #include "identify/IdentifyCommand.h"
 
 #include "StandInVoices.h"
@@ -21,7 +20,6 @@
 namespace {
 
 using namespace orvane::kestrum;
-using identify::EspeakSpeech;
 using identify::IdentifyRequest;
 using ::testing::HasSubstr;
 
@@ -60,7 +58,7 @@ protected:
 
 /// A program that fails with a status of its own.
 std::filesystem::path failingProgram(const std::filesystem::path& folder) {
-    const auto path = folder / "mute";
+    std::filesystem::path path = folder / "mute";
     std::ofstream(path) << "#!/bin/sh\nexit 3\n";
     std::filesystem::permissions(path, std::filesystem::perms::owner_all);
     return path;

@@ -25,7 +25,6 @@ namespace {
 using namespace orvane::kestrum;
 using identify::TextTable;
 using nlohmann::json;
-using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 
 /// What one of the commands prints.

@@ -85,9 +85,8 @@ inline double frequencyOf(const std::vector<float>& samples, unsigned sampleRate
 inline std::vector<std::vector<float>> readChannels(const std::filesystem::path& path) {
     orvane::kestrum::render::SoundFileSource file(path);
     std::vector<std::vector<float>> channels(file.channelCount(), std::vector<float>(file.frameCount()));
-    std::vector<float*> pointers;
-    for (auto& channel : channels)
-        pointers.push_back(channel.data());
+    std::vector<float*> pointers(channels.size());
+    std::ranges::transform(channels, pointers.begin(), [](auto& channel) { return channel.data(); });
     file.read(pointers, file.frameCount());
     return channels;
 }

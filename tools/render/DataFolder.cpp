@@ -29,6 +29,7 @@ constexpr std::array<RateRow, 7> rates{{{24000, "OVNdata122.dat"},
 
 std::vector<unsigned> servedRates() {
     std::vector<unsigned> served;
+    served.reserve(rates.size());
     for (const RateRow& row : rates)
         served.push_back(row.rate);
     return served;
