@@ -245,6 +245,35 @@ class PageTests(unittest.TestCase):
         self.assertEqual(0, after)
         self.assertGreater(apart, 0.05, "the two tracks differ, or nothing was shown")
 
+    def test_switching_by_hand_leaves_no_hole_in_what_is_heard(self):
+        """Everything that leaves the player is recorded while real clicks change the track at their own time."""
+        self.start_playing()
+        self.script("""
+            const recorder = `registerProcessor("recorder", class extends AudioWorkletProcessor {
+                process([input]) { if (input[0]) this.port.postMessage(input[0].slice()); return true; } })`;
+            await context.audioWorklet.addModule("data:text/javascript," + encodeURIComponent(recorder));
+            const node = new AudioWorkletNode(context, "recorder");
+            window.heard = [];
+            node.port.onmessage = ({ data }) => window.heard.push(data);
+            player.volume.connect(node);
+            await until(() => window.heard.length > 100);""")
+        for track in (5, DOWNMIX, 9):
+            self.browser.click(f"label:has(#track-{track})")
+            self.script("await until(() => player.selected === given[0] && player.gains[given[0]].gain.value === 1)", track)
+        longest, step, length = self.script("""
+            const samples = new Float32Array(window.heard.length * 128);
+            window.heard.forEach((block, index) => samples.set(block, 128 * index));
+            let silent = 0, longest = 0, step = 0;
+            for (let index = 1; index < samples.length; ++index) {
+                silent = Math.abs(samples[index]) < 1e-4 ? silent + 1 : 0;
+                longest = Math.max(longest, silent);
+                step = Math.max(step, Math.abs(samples[index] - samples[index - 1]));
+            }
+            return [longest, step, samples.length];""")
+        self.assertGreater(length, 0.3 * RATE)
+        self.assertLess(longest, 20, "a tone crosses zero, it does not rest there")
+        self.assertLess(step, 0.15, "nor does it jump; at 800 Hz and full scale its own steepest step is 0.1")
+
     def test_switches_in_quick_succession_never_jump(self):
         """No step from sample to sample is greater than the music's own by more than the fades' slope."""
         switched, alone = self.offline("""
