@@ -91,6 +91,7 @@ TEST_F(WholeCheck, IsTheSameWhenOthersRunTheListedJobs) {
     outputOf(parallel ? "parallel --jobs 2 < " + file : "sort -r " + file + " | sh");
     EXPECT_EQ(outputOf(command("there", "--list-jobs")), "");
     EXPECT_THAT(run("there"), HasSubstr("16 of 16 Scenes are rendered already and kept"));
+    EXPECT_TRUE(readText(pagePath(folder / "here")) == readText(pagePath(folder / "there")));
     for (const std::string& name : names()) {
         EXPECT_TRUE(readText(renderedFile(folder / "here", name)) ==
                     readText(renderedFile(folder / "there", name)))

@@ -2,6 +2,7 @@
 #include "check/SoundWindows.h"
 
 #include "check/CheckError.h"
+#include "check/OggSerial.h"
 
 #include <nettle/base64.h>
 #include <sndfile.h>
@@ -81,6 +82,7 @@ std::string encodeOpus(std::span<const float> interleaved) {
     const bool written = sf_writef_float(handle, interleaved.data(), frames) == frames;
     if (sf_close(handle) != 0 || !written)
         throw CheckError("The sound library could not encode the page's sound: free some memory.");
+    setOggSerial(file.bytes, 1);
     return std::move(file.bytes);
 }
 

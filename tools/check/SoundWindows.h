@@ -48,7 +48,7 @@ private:
     std::vector<std::string> done;
 };
 
-/// Stereo frames as one Ogg Opus file. @throws CheckError when the codec refuses.
+/// Stereo frames as one Ogg Opus file; the same frames give the same bytes. @throws CheckError when the codec refuses.
 std::string encodeOpus(std::span<const float> interleaved);
 
 } // namespace orvane::kestrum::check
