@@ -81,6 +81,8 @@ TEST_F(Page, TellsLevelsAsMatchedAndLoudnessAsRendered) {
     EXPECT_EQ(track["spectrumDb"][0], -53.98);
     EXPECT_EQ(facts["tracks"][1]["windowCount"], 2);
     EXPECT_EQ(facts["downmix"].size(), 6u);
+    EXPECT_EQ(facts["downmix"][3].dump(), "[\"LFE\",0.0,0.0]");
+    EXPECT_EQ(facts["downmix"][4].dump(), "[\"Ls\",0.7071,0.0]");
 }
 
 TEST_F(Page, BearsAnyNameThatAFileCanHave) {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "check/Page.h"
 
+#include "channels/ChannelNames.h"
 #include "check/CheckError.h"
 #include "check/Downmix.h"
 #include "check/LoudnessMatch.h"
@@ -63,10 +64,15 @@ Json trackFacts(const PageTrack& track) {
     return facts;
 }
 
+/// One row per channel: its short name, and the gains to left and right.
 Json downmixFacts(const std::string& layout) {
+    const auto table = core::layoutTable();
+    const auto names = channels::briefNames(*std::ranges::find(table, layout, &core::LayoutRow::name));
+    const auto gains = downmixGains(layout);
     Json rows = Json::array();
-    for (const DownmixGains& gains : downmixGains(layout))
-        rows.push_back({rounded(gains.left, 10000), rounded(gains.right, 10000)});
+    for (std::size_t channel = 0; channel < gains.size(); ++channel)
+        rows.push_back(
+            {names[channel], rounded(gains[channel].left, 10000), rounded(gains[channel].right, 10000)});
     return rows;
 }
 

@@ -52,8 +52,8 @@
         `Every copy was brought to ${fixed(facts.loudness)} LUFS integrated (EBU R 128) by gain alone, without a limiter.` +
         (facts.limitedBy ? ` Louder was not possible: “${facts.limitedBy}” would peak above ${fixed(facts.highestTruePeakDb)} dBTP.` : "");
     const decibels = (gain) => (gain ? `${fixed(20 * Math.log10(gain))} dB` : "–");
-    facts.downmix.forEach(([left, right], index) => element("downmix").append(make("tr", {},
-        make("td", {}, String(index + 1)), make("td", { className: "number" }, decibels(left)), make("td", { className: "number" }, decibels(right)))));
+    facts.downmix.forEach(([name, left, right], index) => element("downmix").append(make("tr", {},
+        make("td", {}, `${index + 1} ${name}`), make("td", { className: "number" }, decibels(left)), make("td", { className: "number" }, decibels(right)))));
 
     const differenceOf = (index) => facts.tracks[index].spectrumDb.map((level, band) => {
         const against = facts.tracks[reference].spectrumDb[band];
