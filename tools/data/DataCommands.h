@@ -19,11 +19,11 @@ inline constexpr const char* defaultSofaFile = "/usr/share/libmysofa/MIT_KEMAR_n
 /// What "kestrum data hrir" was asked for.
 struct HrirRequest {
     std::filesystem::path sofa = defaultSofaFile;
-    std::filesystem::path out;         ///< Made when missing.
-    std::filesystem::path report;      ///< Empty for no report.
-    bool aboutOnly = false;            ///< Only say what the set would be made of.
-    std::string name;                  ///< Of a complete set among those of the machine, instead of `out`.
-    std::filesystem::path headphoneEq; ///< Empty for no headphones in particular; needs a name.
+    std::filesystem::path out;    ///< Made when missing.
+    std::filesystem::path report; ///< Empty for no report.
+    bool aboutOnly = false;       ///< Only say what the set would be made of.
+    std::string name = {};        ///< Of a complete set among those of the machine, instead of `out`.
+    std::filesystem::path headphoneEq = {}; ///< Empty for no headphones in particular; needs a name.
 };
 
 /// Adds "data" with its commands to a program. Parsing a command line that names one of them runs it.
