@@ -331,6 +331,20 @@ TEST_F(EditorHands, AWindowOpenedAfterAFailedPreparationShowsTheWarning) {
     EXPECT_TRUE(opened.waitUntil([&] { return opened.window().screenshot() != warned; }));
 }
 
+TEST_F(EditorHands, TheVersionIsShownToWhoRestsOnTheLogo) {
+    auto& opened = open();
+    opened.act([](Person& person) { // the framework shows tips in a window that has had the keys
+        person.click(ambienceText.middle());
+        person.tapKey(XK_Escape);
+    });
+    const Image before = opened.look();
+    opened.act([](Person& person) { person.moveTo(logo.middle()); });
+    const auto differs = [&] { return compare(opened.window().screenshot(), before, 0).largest > 1; };
+    EXPECT_TRUE(opened.waitUntil(differs));
+    opened.act([](Person& person) { person.moveTo({-100, -100}); });
+    EXPECT_TRUE(opened.waitUntil([&] { return !differs(); }));
+}
+
 TEST_F(EditorHands, AnOpenMenuGoesWithTheWindow) {
     auto& opened = open();
     opened.act([](Person& person) {

@@ -31,6 +31,7 @@ constexpr Place headRotation{864, 558, 72, 72};
 constexpr Place headRotationText{822, 573, 36, 18};
 constexpr Place masterGain{990, 558, 72, 72};
 constexpr Place masterGainText{952, 573, 36, 18};
+constexpr Place logo{892, 10, 180, 70};
 constexpr Place diagram{0, 0, 1080, 504};
 constexpr Place help{1056, 636, 24, 24};
 constexpr int windowWidth = 1080, windowHeight = 660;

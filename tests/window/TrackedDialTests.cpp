@@ -1,12 +1,14 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // The dial while a tracker drives it over the machine's one rotation segment, hence alone. Expected: the head's angle to
 // the right, and the zero at which the dial is given back.
+#include "PaintCount.h"
 #include "Places.h"
 #include "Views.h"
 #include "ipc/OrvaneParameterServer.h"
 
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <cmath>
 
 namespace {
@@ -50,6 +52,16 @@ TEST_F(TrackedDial, ShowsTheHeadTakesNoHandAndIsGivenBackAtZero) {
         person.drag(middle, {middle.x, middle.y - 60});
     });
     EXPECT_GT(degreesOf(opened.plugin()), 5);
+}
+
+TEST_F(TrackedDial, PaintsNothingForFiveSecondsWhileTheTrackerIsThereButInactive) {
+    auto& opened = open();
+    opened.look();
+    PaintCount paints;
+    opened.window().pumpFor(std::chrono::seconds(5));
+    EXPECT_EQ(paints.sinceLastCall(), 0);
+    takeTrackedDial(opened, *tracker.getHeadRotationServer(), 40);
+    EXPECT_GT(paints.sinceLastCall(), 0) << "the window had a link all the time";
 }
 
 } // namespace
