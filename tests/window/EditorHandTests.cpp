@@ -378,7 +378,8 @@ TEST(EditorAtTwiceTheScale, ShowsTheSameWindowTwiceAsLarge) {
     scaled.open();
     const auto half = [&scaled] { return shrink(scaled.screenshot(), 2); };
     // edges and glyphs differ, everything else does not
-    EXPECT_TRUE(scaled.pumpUntil([&] { return compare(half(), plain, 64).shareBeyond < 0.02; }, patience));
+    EXPECT_TRUE(scaled.pumpUntil(
+        [&] { return compare(half(), plain, 64).countBeyond < windowWidth * windowHeight / 50; }, patience));
 }
 
 } // namespace

@@ -20,12 +20,16 @@ void paste(const Image& part, Image& onto, int x, int y);
 Image shrink(const Image& image, int divisor);
 
 struct Difference {
-    int largest = 0;        ///< Of any colour of any pixel, out of 255.
-    double shareBeyond = 0; ///< Of the pixels, those that differ by more than the tolerance.
-    Image picture;          ///< White where they differ by more, the first picture darkened elsewhere.
+    int largest = 0;             ///< Of any colour of any pixel, out of 255.
+    std::size_t countBeyond = 0; ///< Of the pixels, those that differ by more than the tolerance.
+    Image picture;               ///< White where they differ by more, the first picture darkened elsewhere.
 };
 /// @throws std::runtime_error when the sizes differ.
 Difference compare(const Image& first, const Image& second, int tolerance);
+
+/// Whether someone who compares the two would call them the same: a few glyph edges may differ, a single digit may not.
+/// @throws std::runtime_error when the sizes differ.
+bool looksLike(const Image& seen, const Image& expected);
 
 /// How many of the pixels lie within `tolerance` of a colour in each part.
 int countOf(const Image& image, int red, int green, int blue, int tolerance);

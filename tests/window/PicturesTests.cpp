@@ -55,10 +55,25 @@ TEST(Pictures, DifferByThePixelsBeyondTheTolerance) {
     other.pixel(0, 0)[1] = 30;
     const auto difference = compare(steps(), other, 10);
     EXPECT_EQ(difference.largest, 30);
-    EXPECT_DOUBLE_EQ(difference.shareBeyond, 1.0 / 8);
+    EXPECT_EQ(difference.countBeyond, 1u);
     EXPECT_EQ(difference.picture.pixel(0, 0)[2], 255);
     EXPECT_EQ(difference.picture.pixel(3, 1)[0], 60);
     EXPECT_THROW(compare(steps(), Image(4, 3), 10), std::runtime_error);
+}
+
+/// The smallest thing that must be seen: a thin digit of a text box, three pixels by seven.
+TEST(Pictures, LookAlikeWithOtherGlyphEdgesButNotWithAnotherDigit) {
+    const Image plain(60, 30);
+    Image edges = plain;
+    for (int y = 0; y < 30; ++y)
+        edges.pixel(5, y)[1] = 24;
+    EXPECT_TRUE(looksLike(edges, plain));
+    Image digit = plain;
+    for (int y = 10; y < 17; ++y)
+        for (int x = 20; x < 23; ++x)
+            digit.pixel(x, y)[0] = 90;
+    EXPECT_FALSE(looksLike(digit, plain));
+    EXPECT_THROW(looksLike(Image(60, 31), plain), std::runtime_error);
 }
 
 TEST(Pictures, CountThePixelsOfAColour) {
