@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // A session that is loaded while its window is open. Expected: the window that the same values gave before.
-#include "Places.h"
-#include "WindowFixture.h"
+#include "Views.h"
 
 #include <gtest/gtest.h>
 
@@ -14,15 +13,6 @@ using namespace orvane::kestrum::host;
 using namespace orvane::kestrum::host::test;
 
 class EditorState : public WindowTest {};
-
-void moveEverything(PluginInstance& plugin) {
-    setAndSend(plugin, "layout", "9.1.6");
-    setAndSend(plugin, "scene", "Cinema");
-    setAndSend(plugin, "ambience", "85");
-    setAndSend(plugin, "focus", "-60");
-    setAndSend(plugin, "rotation", "-75");
-    setAndSend(plugin, "gain", "-12.5");
-}
 
 TEST_F(EditorState, ALoadedSessionIsShownAtOnce) {
     auto& opened = open();

@@ -61,16 +61,20 @@ Image warning(OpenWindow& opened) {
 }
 
 Image movedControls(OpenWindow& opened) {
-    setAndSend(opened.plugin(), "layout", "9.1.6");
-    setAndSend(opened.plugin(), "scene", "Cinema");
-    setAndSend(opened.plugin(), "ambience", "85");
-    setAndSend(opened.plugin(), "focus", "-60");
-    setAndSend(opened.plugin(), "rotation", "-75");
-    setAndSend(opened.plugin(), "gain", "-12.5");
+    moveEverything(opened.plugin());
     return opened.look();
 }
 
 } // namespace
+
+void moveEverything(PluginInstance& plugin) {
+    setAndSend(plugin, "layout", "9.1.6");
+    setAndSend(plugin, "scene", "Cinema");
+    setAndSend(plugin, "ambience", "85");
+    setAndSend(plugin, "focus", "-60");
+    setAndSend(plugin, "rotation", "-75");
+    setAndSend(plugin, "gain", "-12.5");
+}
 
 const std::vector<View>& plainViews() {
     static const std::vector<View> views{

@@ -28,6 +28,9 @@ const std::vector<View>& plainViews();
 /// The matrix of a head that is turned so far about the vertical.
 HeadRotationMatrix turnedBy(float degrees);
 
+/// Every control away from where a new instance has it.
+void moveEverything(PluginInstance& plugin);
+
 /// The window while a tracker, which has to be there before the instance, turns the head; it lets go in the end, and
 /// the dial is waited for.
 Image takeTrackedDial(OpenWindow& opened, OrvaneIPC::IHeadRotationServer& tracker, float degrees);

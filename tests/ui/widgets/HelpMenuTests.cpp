@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // Needs a display, real or not: the framework asks it where a menu may lie.
 #include "ui/toolbar/BrevikTool.h"
+#include "ui/widgets/OffScreen.h"
 
 #include <gmock/gmock.h>
 
@@ -19,20 +20,6 @@ private:
 };
 const auto* const framework = ::testing::AddGlobalTestEnvironment(new Framework); // owned by the test library
 
-template <typename Kind>
-Kind& child(juce::Component& parent, const juce::String& name) {
-    for (auto* const candidate : parent.getChildren())
-        if (auto* const found = dynamic_cast<Kind*>(candidate))
-            if (name.isEmpty() || candidate->getName() == name)
-                return *found;
-    throw std::runtime_error("no such child");
-}
-
-struct Clicks final : juce::Button::Listener {
-    void buttonClicked(juce::Button* button) override { names.add(button->getName()); }
-    juce::StringArray names;
-};
-
 int openMenus() { return juce::ModalComponentManager::getInstance()->getNumModalComponents(); }
 
 class HelpMenu : public ::testing::Test {
@@ -49,7 +36,7 @@ protected:
     void TearDown() override { juce::MessageManager::getInstance()->runDispatchLoopUntil(20); }
 
     BrevikPluginTools::LorimondToolbarComponent& toolbar() {
-        return child<BrevikPluginTools::LorimondToolbarComponent>(*editor, {});
+        return test::child<BrevikPluginTools::LorimondToolbarComponent>(*editor, {});
     }
 
     /// Clicks on help, does something while the menu is open, and returns when the click does.
@@ -60,7 +47,7 @@ protected:
             action();
         });
         auto& bar = toolbar();
-        bar.buttonClicked(&child<juce::ImageButton>(bar, "LorimondHelp"));
+        bar.buttonClicked(&test::child<juce::ImageButton>(bar, "LorimondHelp"));
         EXPECT_EQ(open, 1);
         juce::MessageManager::getInstance()->runDispatchLoopUntil(20);
         EXPECT_EQ(openMenus(), 0);
@@ -69,7 +56,7 @@ protected:
     std::unique_ptr<BrevikPluginTools::BrevikTool> tool =
         std::make_unique<BrevikPluginTools::BrevikTool>("No Such Product");
     std::unique_ptr<juce::Component> editor = std::make_unique<juce::Component>();
-    Clicks clicks;
+    test::Clicks clicks;
 };
 
 void choose(int entry) {

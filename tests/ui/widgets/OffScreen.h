@@ -30,6 +30,12 @@ void drag(juce::Component& component, juce::Point<float> step, int steps, juce::
 /// Types into a label as a person does: opens its editor, where all is selected, types, and presses Return.
 void type(juce::Label& label, const juce::String& text);
 
+/// The names of the buttons that were clicked.
+struct Clicks final : juce::Button::Listener {
+    void buttonClicked(juce::Button* button) override { names.add(button->getName()); }
+    juce::StringArray names;
+};
+
 /// The first child of a type; never null.
 template <typename Kind>
 Kind& child(juce::Component& parent, const juce::String& name = {}) {

@@ -77,13 +77,8 @@ TEST_F(Toolbar, ShowsPressedPicturesWhileItsButtonsArePressed) {
     EXPECT_TRUE(test::samePixels(test::shot(logo), expected));
 }
 
-struct Clicks final : juce::Button::Listener {
-    void buttonClicked(juce::Button* button) override { names.add(button->getName()); }
-    juce::StringArray names;
-};
-
 TEST_F(Toolbar, ClicksTheSellersLinkForTheLogo) {
-    Clicks clicks;
+    test::Clicks clicks;
     auto& seller = link("lorimond");
     seller.setURL(juce::URL()); // no browser from a test
     seller.addListener(&clicks);
@@ -130,6 +125,31 @@ TEST(Manual, LiesUnderTheProductsNameTwiceOnceAsFolderAndOnceInItsOwn) {
 #if JUCE_LINUX
 TEST(Manual, IsLookedForWhereProgramsKeepWhatTheyShare) {
     EXPECT_EQ(BrevikPluginTools::programsDirectory().getFullPathName(), "/usr/share");
+}
+
+/// The desktop's opener is a stand-in that notes what it is to open.
+TEST(Manual, IsOpenedByTheDesktop) {
+    const juce::TemporaryFile folder;
+    const auto place = folder.getFile();
+    ASSERT_TRUE(place.createDirectory());
+    const auto manual = place.getChildFile("The Product Manual.pdf");
+    const auto noted = place.getChildFile("noted");
+    const auto opener = place.getChildFile("xdg-open");
+    const auto part = noted.getFullPathName() + ".part";
+    const juce::String script =
+        "#!/bin/sh\nprintf %s \"$1\" > " + part + "\nmv " + part + " " + noted.getFullPathName() + "\n";
+    ASSERT_TRUE(manual.create());
+    ASSERT_TRUE(opener.replaceWithText(script, false, false, "\n"));
+    ASSERT_TRUE(opener.setExecutePermission(true));
+    const juce::String path = juce::SystemStats::getEnvironmentVariable("PATH", {});
+    setenv("PATH", (place.getFullPathName() + ":" + path).toRawUTF8(), 1);
+    BrevikPluginTools::openManual(manual);
+    for (const auto end = juce::Time::getMillisecondCounter() + 10000;
+         !noted.existsAsFile() && juce::Time::getMillisecondCounter() < end;)
+        juce::Thread::sleep(5);
+    setenv("PATH", path.toRawUTF8(), 1);
+    EXPECT_EQ(noted.loadFileAsString(), manual.getFullPathName());
+    place.deleteRecursively();
 }
 #endif
 
