@@ -2,14 +2,34 @@
 #include "check/CheckCommand.h"
 #include "data/DataCommands.h"
 #include "identify/IdentifyCommand.h"
+#include "doctor/DoctorCommand.h"
+#include "kestrum/PagesCommand.h"
+#include "render/Names.h"
 #include "render/RenderCommand.h"
 
 #include <CLI/CLI.hpp>
 
 #include <cstdio>
 #include <exception>
+#include <string>
+#include <vector>
 
 namespace {
+
+std::vector<std::string> namesOf(const orvane::kestrum::render::ChoiceTable& table) {
+    std::vector<std::string> names;
+    for (const auto& choice : table.all())
+        names.push_back(choice.name);
+    return names;
+}
+
+/// What the shell completes, by the names that options and arguments have in every command.
+orvane::kestrum::pages::Choices choices() {
+    const auto layouts = namesOf(orvane::kestrum::render::layoutChoices());
+    return {{"--layout", layouts},
+            {"LAYOUT", layouts},
+            {"--scene", namesOf(orvane::kestrum::render::sceneChoices())}};
+}
 
 int run(int argumentCount, char** arguments) {
     CLI::App program("Companion of the plug-in Orvane KESTRUM: renders files through it and makes its data.",
@@ -21,6 +41,8 @@ int run(int argumentCount, char** arguments) {
         orvane::kestrum::identify::addIdentifyCommands(program);
         orvane::kestrum::tools::addDataCommands(program);
         orvane::kestrum::check::addCheckCommand(program);
+        orvane::kestrum::doctor::addDoctorCommand(program);
+        orvane::kestrum::pages::addPagesCommand(program, choices(), KESTRUM_VERSION);
         program.parse(argumentCount, arguments);
     } catch (const CLI::ParseError& error) {
         return program.exit(error);

@@ -1,0 +1,129 @@
+#!/bin/sh
+# SPDX-License-Identifier: GPL-3.0-or-later
+# Installs what lies beside it, or takes away again what it has installed.
+set -eu
+export LC_ALL=C # one order for sort and comm
+
+usage="usage: ./install.sh [--prefix DIR] [--uninstall]
+
+Installs plug-in, kestrum, man pages and completion below DIR (/usr/local by default), the measured head and its rooms to
+/opt/Tenmarsh/OrvaneVSTPlugin, and the manual to /usr/share/Lorimond: the plug-in looks there and nowhere else. A data set
+that you have chosen stays in use. Needs root. --uninstall takes all of it away, but no set of your own."
+
+here=$(dirname "$(readlink -f "$0")")
+prefix=/usr/local
+uninstall=no
+root=${DESTDIR:-} # for tests and images: everything goes below it
+fail() {
+    echo "install.sh: $1" >&2
+    exit 1
+}
+while [ $# -gt 0 ]; do
+    case $1 in
+    -h | --help)
+        echo "$usage"
+        exit 0
+        ;;
+    --prefix)
+        [ $# -ge 2 ] || fail "--prefix needs a folder."
+        prefix=$2
+        shift
+        ;;
+    --uninstall) uninstall=yes ;;
+    *) fail "\"$1\" is unknown: see ./install.sh --help." ;;
+    esac
+    shift
+done
+case $prefix in
+/*) ;;
+*) fail "\"$prefix\" is no full path: give one that begins with /." ;;
+esac
+prefix=${prefix%/}
+list=$prefix/share/orvane-kestrum/installed-files
+product=/opt/Tenmarsh/OrvaneVSTPlugin
+manual="/usr/share/Lorimond/Orvane KESTRUM/Orvane KESTRUM Manual.pdf"
+
+[ -n "$root" ] || [ "$(id -u)" = 0 ] || fail "this needs root: become root, or run it by sudo."
+
+# Folders that are empty once their files are gone, up to one that is not; never /opt, the prefix, or what others share.
+remove_empty_folders() {
+    folder=$1
+    while [ -d "$root$folder" ]; do
+        case $folder in
+        / | /opt | /usr | /usr/share | "$prefix" | "$prefix/bin" | "$prefix/lib" | "$prefix/share") return ;;
+        esac
+        rmdir "$root$folder" 2>/dev/null || return 0
+        folder=$(dirname "$folder")
+    done
+}
+
+# The files that standard input names, and the link that leads to a set which goes.
+remove_files() {
+    while IFS= read -r file; do
+        if [ "$product/$(readlink "$root$product/data" || true)" = "$(dirname "$file")" ]; then
+            rm -f "$root$product/data"
+        fi
+        rm -f "$root$file"
+        remove_empty_folders "$(dirname "$file")"
+    done
+}
+
+if [ $uninstall = yes ]; then
+    [ -f "$root$list" ] || fail "nothing is installed below $prefix: name the folder by --prefix that you have installed to."
+    remove_files <"$root$list"
+    rm -f "$root$list"
+    remove_empty_folders "$(dirname "$list")"
+    remove_empty_folders "$product"
+    echo "Orvane KESTRUM is removed."
+    exit 0
+fi
+
+[ -d "$here/lib/vst3" ] || fail "the files to install are not beside it: run it in the unpacked folder."
+if [ -z "$root" ] && dpkg-query -W -f '${db:Status-Status}' orvane-kestrum 2>/dev/null | grep -qx installed; then
+    fail "Orvane KESTRUM is installed as a Debian package: remove that first (apt remove orvane-kestrum orvane-kestrum-data)."
+fi
+
+set_folder=$product/sets/kemar-$(sha256sum "$here/share/orvane-kestrum/sets/kemar/about.json" | cut -c 1-8)
+# Where a file of this folder goes; nothing for one that stays here.
+destination_of() {
+    case $1 in
+    share/orvane-kestrum/sets/kemar/*) echo "$set_folder/${1##*/}" ;;
+    share/Lorimond/*) echo "$manual" ;;
+    share/lintian/* | install.sh | README.md) ;;
+    *) echo "$prefix/$1" ;;
+    esac
+}
+
+# First what is about to come, so that an installation that breaks off can be taken away, too. What an older version has
+# installed stays on the list until it is gone.
+mkdir -p "$root$(dirname "$list")" || fail "$(dirname "$list") cannot be made."
+files=$(cd "$here" && find . -type f | sed 's|^\./||' | sort)
+coming=$(echo "$files" | while IFS= read -r file; do destination_of "$file"; done | sort)
+older=""
+[ ! -f "$root$list" ] || older=$(echo "$coming" | comm -13 - "$root$list")
+printf '%s\n' "$coming" "$older" | sed '/^$/d' | sort >"$root$list"
+
+echo "$files" | while IFS= read -r file; do
+    destination=$(destination_of "$file")
+    [ -n "$destination" ] || continue
+    mkdir -p "$root$(dirname "$destination")"
+    # By one rename: who reads it meanwhile has the old file or the new one.
+    { cp "$here/$file" "$root$destination.new" && mv -f "$root$destination.new" "$root$destination"; } || {
+        rm -f "$root$destination.new"
+        fail "$destination cannot be written: make room on that disk and run it again, or run ./install.sh --uninstall."
+    }
+done
+
+printf '%s\n' "$older" | sed '/^$/d' | remove_files
+printf '%s\n' "$coming" >"$root$list"
+if [ ! -e "$root$product/data" ]; then # missing, or a link to nothing
+    rm -f "$root$product/.data.new"
+    ln -s "${set_folder#"$product/"}" "$root$product/.data.new"
+    mv -T "$root$product/.data.new" "$root$product/data"
+fi
+
+echo "Orvane KESTRUM is installed below $prefix; \"./install.sh --uninstall\" or"
+echo "\"$prefix/bin/kestrum doctor\" are at your service."
+missing=$(ldd "$root$prefix/bin/kestrum" "$root$prefix/lib/vst3/Orvane KESTRUM.vst3"/Contents/*/*.so 2>/dev/null |
+    sed -n 's/^[[:space:]]*\([^ ]*\) => not found$/\1/p' | sort -u | tr '\n' ' ')
+[ -z "$missing" ] || echo "These libraries are missing on this machine: install the packages that hold $missing"
