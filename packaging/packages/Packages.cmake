@@ -19,7 +19,7 @@ set(CPACK_DEBIAN_PACKAGE_RELEASE 1)
 set(CPACK_DEBIAN_PACKAGE_PRIORITY optional)
 set(CPACK_DEBIAN_PACKAGE_SECTION sound)
 set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
-set(CPACK_DEBIAN_COMPRESSION_TYPE xz)
+set(CPACK_DEBIAN_COMPRESSION_TYPE gzip) # xz takes minutes for the noise of rooms and saves a twentieth
 file(STRINGS debian/recommends recommends REGEX "^[^#]")
 list(JOIN recommends ", " recommends)
 
@@ -29,27 +29,29 @@ set(CPACK_DEBIAN_PLUGIN_PACKAGE_DEPENDS "orvane-kestrum-data (>= ${PROJECT_VERSI
 set(CPACK_DEBIAN_PLUGIN_PACKAGE_RECOMMENDS "orvane-kestrum-doc, ${recommends}")
 set(CPACK_DEBIAN_PLUGIN_PACKAGE_SUGGESTS "gnuplot-nox | gnuplot")
 set(CPACK_COMPONENT_PLUGIN_DESCRIPTION "virtual loudspeakers on headphones (VST3)
- A VST3 effect that turns every channel of a bus, from mono to 13.1 with heights,
- into a virtual loudspeaker, heard on headphones through a measured head in one of
- sixteen rooms.
- .
- With it comes kestrum, a program that renders files through the plug-in without
- a host, makes data for personal heads, and finds out what an installation lacks.")
+A VST3 effect that turns every channel of a bus, from mono to 13.1 with
+heights, into a virtual loudspeaker, heard on headphones through a measured
+head in one of sixteen rooms.
+
+With it comes kestrum, a program that renders files through the plug-in
+without a host, makes data for personal heads, and finds out what an
+installation lacks.")
 
 set(CPACK_DEBIAN_DATA_PACKAGE_NAME orvane-kestrum-data)
 set(CPACK_DEBIAN_DATA_PACKAGE_ARCHITECTURE all)
 set(CPACK_DEBIAN_DATA_PACKAGE_CONTROL_EXTRA
     "${CMAKE_CURRENT_SOURCE_DIR}/debian/postinst;${CMAKE_CURRENT_SOURCE_DIR}/debian/postrm")
 set(CPACK_COMPONENT_DATA_DESCRIPTION "measured head and rooms for Orvane KESTRUM
- The responses of the dummy head KEMAR, as measured by the MIT Media Laboratory,
- and the late reverb of 46 rooms for it, at three sample rates. Sets of one's own
- lie beside it; \\\"kestrum data use\\\" chooses, and upgrades keep the choice.")
+The responses of the dummy head KEMAR, as measured by the MIT Media
+Laboratory, and the late reverb of 46 rooms for it, at three sample rates.
+Sets of one's own lie beside it; \\\"kestrum data use\\\" chooses, and upgrades keep
+the choice.")
 
 set(CPACK_DEBIAN_DOC_PACKAGE_NAME orvane-kestrum-doc)
 set(CPACK_DEBIAN_DOC_PACKAGE_ARCHITECTURE all)
 set(CPACK_DEBIAN_DOC_PACKAGE_SECTION doc)
 set(CPACK_COMPONENT_DOC_DESCRIPTION "manual and examples for Orvane KESTRUM
- The manual as a PDF, which the help menu of the plug-in opens, pages about the
- companion commands, and examples: automation, and a folder of mixes rendered by
- several processes at once.")
+The manual as a PDF, which the help menu of the plug-in opens, pages about the
+companion commands, and examples: automation, and a folder of mixes rendered by
+several processes at once.")
 include(CPack)
