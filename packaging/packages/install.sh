@@ -3,6 +3,7 @@
 # Installs what lies beside it, or takes away again what it has installed.
 set -eu
 export LC_ALL=C # one order for sort and comm
+umask 022
 
 usage="usage: ./install.sh [--prefix DIR] [--uninstall]
 
@@ -45,16 +46,16 @@ manual="/usr/share/Lorimond/Orvane KESTRUM/Orvane KESTRUM Manual.pdf"
 
 [ -n "$root" ] || [ "$(id -u)" = 0 ] || fail "this needs root: become root, or run it by sudo."
 
-# Folders that are empty once their files are gone, up to one that is not; never /opt, the prefix, or what others share.
-remove_empty_folders() {
-    folder=$1
-    while [ -d "$root$folder" ]; do
-        case $folder in
-        / | /opt | /usr | /usr/share | "$prefix" | "$prefix/bin" | "$prefix/lib" | "$prefix/share") return ;;
-        esac
-        rmdir "$root$folder" 2>/dev/null || return 0
-        folder=$(dirname "$folder")
-    done
+# The list has one path a line: a file that was put there, or, with a slash at its end, a folder that was made.
+files_of() { sed '/\/$/d; /^$/d'; }
+folders_of() { sed -n '/\/$/p'; }
+
+# The folders that making this one would make.
+missing_above() {
+    [ -d "$root$1" ] || {
+        missing_above "$(dirname "$1")"
+        echo "$1/"
+    }
 }
 
 # The files that standard input names, and the link that leads to a set which goes.
@@ -64,16 +65,20 @@ remove_files() {
             rm -f "$root$product/data"
         fi
         rm -f "$root$file"
-        remove_empty_folders "$(dirname "$file")"
+        case $file in
+        "$product"/sets/*) rmdir "$root$(dirname "$file")" 2>/dev/null || true ;; # or it would be listed as a set
+        esac
     done
 }
 
 if [ $uninstall = yes ]; then
     [ -f "$root$list" ] || fail "nothing is installed below $prefix: name the folder by --prefix that you have installed to."
-    remove_files <"$root$list"
+    files_of <"$root$list" | remove_files
+    folders=$(folders_of <"$root$list" | sort -r)
     rm -f "$root$list"
-    remove_empty_folders "$(dirname "$list")"
-    remove_empty_folders "$product"
+    echo "$folders" | while IFS= read -r folder; do
+        [ -z "$folder" ] || rmdir "$root$folder" 2>/dev/null || true # others' things may be in it
+    done
     echo "Orvane KESTRUM is removed."
     exit 0
 fi
@@ -96,26 +101,32 @@ destination_of() {
 
 # First what is about to come, so that an installation that breaks off can be taken away, too. What an older version has
 # installed stays on the list until it is gone.
+folders=$(missing_above "$(dirname "$list")")
 mkdir -p "$root$(dirname "$list")" || fail "$(dirname "$list") cannot be made."
 files=$(cd "$here" && find . -type f | sed 's|^\./||' | sort)
 coming=$(echo "$files" | while IFS= read -r file; do destination_of "$file"; done | sort)
 older=""
-[ ! -f "$root$list" ] || older=$(echo "$coming" | comm -13 - "$root$list")
-printf '%s\n' "$coming" "$older" | sed '/^$/d' | sort >"$root$list"
+if [ -f "$root$list" ]; then
+    folders=$(folders_of <"$root$list")
+    older=$(echo "$coming" | comm -13 - "$root$list" | files_of)
+fi
+printf '%s\n' "$coming" "$older" "$folders" | sed '/^$/d' | sort >"$root$list"
 
 echo "$files" | while IFS= read -r file; do
     destination=$(destination_of "$file")
     [ -n "$destination" ] || continue
-    mkdir -p "$root$(dirname "$destination")"
+    missing_above "$(dirname "$destination")" >>"$root$list"
     # By one rename: who reads it meanwhile has the old file or the new one.
-    { cp "$here/$file" "$root$destination.new" && mv -f "$root$destination.new" "$root$destination"; } || {
+    { mkdir -p "$root$(dirname "$destination")" && cp "$here/$file" "$root$destination.new" &&
+        mv -f "$root$destination.new" "$root$destination"; } || {
         rm -f "$root$destination.new"
         fail "$destination cannot be written: make room on that disk and run it again, or run ./install.sh --uninstall."
     }
 done
 
-printf '%s\n' "$older" | sed '/^$/d' | remove_files
-printf '%s\n' "$coming" >"$root$list"
+echo "$older" | files_of | remove_files
+folders=$(folders_of <"$root$list")
+printf '%s\n' "$coming" "$folders" | sed '/^$/d' | sort -u >"$root$list"
 if [ ! -e "$root$product/data" ]; then # missing, or a link to nothing
     rm -f "$root$product/.data.new"
     ln -s "${set_folder#"$product/"}" "$root$product/.data.new"
