@@ -80,7 +80,7 @@ Findings folderFaults(const Places& places) {
 } // namespace
 
 Findings checkData(const Places& places) {
-    if (const Findings faults = folderFaults(places); !faults.empty())
+    if (Findings faults = folderFaults(places); !faults.empty())
         return faults;
     Findings findings = closedFiles(places);
     if (!findings.empty())
