@@ -27,7 +27,7 @@ set(CPACK_DEBIAN_PLUGIN_PACKAGE_NAME orvane-kestrum)
 set(CPACK_DEBIAN_PLUGIN_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_PLUGIN_PACKAGE_DEPENDS "orvane-kestrum-data (>= ${PROJECT_VERSION})")
 set(CPACK_DEBIAN_PLUGIN_PACKAGE_RECOMMENDS "orvane-kestrum-doc, ${recommends}")
-set(CPACK_DEBIAN_PLUGIN_PACKAGE_SUGGESTS "gnuplot-nox | gnuplot")
+set(CPACK_DEBIAN_PLUGIN_PACKAGE_SUGGESTS "gnuplot-nox | gnuplot, parallel")
 set(CPACK_COMPONENT_PLUGIN_DESCRIPTION "virtual loudspeakers on headphones (VST3)
 A VST3 effect that turns every channel of a bus, from mono to 13.1 with
 heights, into a virtual loudspeaker, heard on headphones through a measured

@@ -65,13 +65,14 @@ std::string kindOf(const CLI::Option& option, const std::vector<std::string>& na
     for (const std::string& name : names)
         if (choices.contains(name))
             return name;
-    const std::string type = option.get_positional() ? option.get_name(true) : option.get_type_name();
-    const std::string all = type + " " + option.get_type_name();
-    if (all.find("DIR") != std::string::npos || all.find("FOLDER") != std::string::npos)
+    const std::string name = option.get_positional() ? option.get_name(true) : std::string();
+    const auto says = [words = name + " " + option.get_type_name()](const char* word) {
+        return words.find(word) != std::string::npos;
+    };
+    if (says("DIR") || says("FOLDER"))
         return "folders";
-    for (const char* const file : {"FILE", "PATH", "IN", "OUT"})
-        if (all.find(file) != std::string::npos)
-            return "files";
+    if (says("FILE") || says("PATH") || name == "IN" || name == "OUT")
+        return "files";
     return "other";
 }
 
