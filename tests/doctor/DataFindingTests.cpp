@@ -16,7 +16,7 @@ class DataFindings : public test::MadeUpSystem {
 protected:
     /// A set that is sound, below the made-up root.
     fs::path makeSet(const char* absolute) const {
-        const fs::path set = places.below(absolute);
+        fs::path set = places.below(absolute);
         fs::create_directories(set);
         for (const auto& entry : fs::directory_iterator(installed))
             fs::create_symlink(fs::canonical(entry.path()), set / entry.path().filename());

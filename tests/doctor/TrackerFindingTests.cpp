@@ -28,7 +28,7 @@ using Record = OrvaneIPC::HeadRotation::Data;
 
 class TrackerFindings : public test::MadeUpSystem {
 protected:
-    ~TrackerFindings() override {
+    void TearDown() override {
         interprocess::shared_memory_object::remove(places.segment.c_str());
         if (statusFile >= 0)
             close(statusFile);
