@@ -41,8 +41,9 @@ TEST_F(DataFindings, AMissingFolderIsAFaultWhoseRemedyIsThePackage) {
 TEST_F(DataFindings, ALinkToNowhereIsAFaultThatThePackagedSetMends) {
     use(folder.file("gone"));
     write(places.packagedSet() / "about.json");
-    EXPECT_THAT(checkData(places), ElementsAre(test::Found(Verdict::fault, "which is not there",
-                                                           "sudo kestrum data use kemar")));
+    EXPECT_THAT(checkData(places),
+                ElementsAre(test::Found(Verdict::fault, "which is not there",
+                                        "sudo kestrum data use /usr/share/orvane-kestrum/sets/kemar")));
 }
 
 TEST_F(DataFindings, AnEmptyFolderIsAFaultForEachOfItsSevenFiles) {
@@ -87,7 +88,8 @@ TEST_F(DataFindings, ADamagedFileOfOnesOwnSetIsAFaultThatThePackagedSetMends) {
     fs::remove(set / "OVNdata122.dat");
     write(set / "OVNdata122.dat", "RIFF and no more");
     EXPECT_THAT(checkData(places),
-                ElementsAre(test::Found(Verdict::fault, "OVNdata122.dat: ", "sudo kestrum data use kemar")));
+                ElementsAre(test::Found(Verdict::fault, "OVNdata122.dat: ",
+                                        "sudo kestrum data use /usr/share/orvane-kestrum/sets/kemar")));
 }
 
 using ManualFindings = test::MadeUpSystem;

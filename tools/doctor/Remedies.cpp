@@ -45,7 +45,9 @@ std::string mendData(const Places& places) {
     std::error_code failure;
     const bool packaged = fs::exists(places.packagedSet() / "about.json", failure);
     const bool packagedInUse = fs::equivalent(places.packagedSet(), places.data(), failure);
-    return packaged && !packagedInUse ? "sudo kestrum data use kemar" : reinstallData(places);
+    // By its path: a set made here may have the same name, and be the damaged one.
+    return packaged && !packagedInUse ? "sudo kestrum data use /usr/share/orvane-kestrum/sets/kemar"
+                                      : reinstallData(places);
 }
 
 std::string openUp(const fs::path& closed) {

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "check/CheckCommand.h"
 #include "data/DataCommands.h"
-#include "identify/IdentifyCommand.h"
 #include "doctor/DoctorCommand.h"
+#include "identify/IdentifyCommand.h"
 #include "kestrum/PagesCommand.h"
 #include "render/Names.h"
 #include "render/RenderCommand.h"
