@@ -6,6 +6,7 @@
 #include "kestrum/PagesCommand.h"
 #include "render/Names.h"
 #include "render/RenderCommand.h"
+#include "track/TrackCommand.h"
 
 #include <CLI/CLI.hpp>
 
@@ -42,6 +43,7 @@ int run(int argumentCount, char** arguments) {
         orvane::kestrum::tools::addDataCommands(program);
         orvane::kestrum::check::addCheckCommand(program);
         orvane::kestrum::doctor::addDoctorCommand(program);
+        orvane::kestrum::track::addTrackCommand(program);
         orvane::kestrum::pages::addPagesCommand(program, choices(), KESTRUM_VERSION);
         program.parse(argumentCount, arguments);
     } catch (const CLI::ParseError& error) {

@@ -1,0 +1,63 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "track/Dialects.h"
+#include "track/OscParser.h"
+#include "track/Sample.h"
+#include "track/UdpSocket.h"
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace orvane::kestrum::track {
+
+struct NetworkOptions {
+    std::optional<std::uint16_t> oscPort;       ///< Empty: no OSC. 0: any free port.
+    std::optional<std::uint16_t> openTrackPort; ///< Likewise.
+    Reach reach = Reach::thisMachine;
+    Correction correction;
+};
+
+/// What came in since the last look.
+struct Received {
+    std::vector<Sample> samples; ///< Oldest first.
+    bool recentre = false;       ///< Somebody asked for it after the last of the samples.
+    std::uint64_t unusable = 0;  ///< Packets that are no OSC, and messages whose numbers are no direction.
+    std::string unknownAddress;  ///< One of those that tell no direction; printable.
+};
+
+/// The ports on which senders are heard.
+///
+/// Thread  one.
+class NetworkInput {
+public:
+    /// @throws TrackError when a port cannot be had.
+    explicit NetworkInput(const NetworkOptions& options);
+
+    /// Takes all that waits, but no more than a fraction of a second's flood. Never waits.
+    Received receive();
+
+    /// To wait for.
+    std::vector<int> descriptors() const;
+
+    std::optional<std::uint16_t> oscPort() const;
+    std::optional<std::uint16_t> openTrackPort() const;
+    Reach reach() const { return options.reach; }
+
+private:
+    void takeMessage(std::string_view address, std::span<const double> values);
+    void takeOpenTrack(const Datagram& datagram);
+
+    NetworkOptions options;
+    DialectReader reader;
+    std::unique_ptr<UdpSocket> osc;
+    std::unique_ptr<UdpSocket> openTrack;
+    OscParser parser;
+    Source sender; ///< Of the datagram that is being taken apart.
+    Received received;
+};
+
+} // namespace orvane::kestrum::track

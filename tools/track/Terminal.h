@@ -1,0 +1,44 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include <termios.h>
+
+namespace orvane::kestrum::track {
+
+/// The terminal that the program was started from, if there is one: single keys in, one redrawn line out.
+class Terminal {
+public:
+    /// Keys come at once and unseen from here on.
+    Terminal();
+    ~Terminal();
+    Terminal(const Terminal&) = delete;
+    Terminal& operator=(const Terminal&) = delete;
+
+    /// A key that was pressed; empty when none waits.
+    std::optional<char> key();
+
+    /// Where keys come from, to wait for; -1 without.
+    int keyDescriptor() const { return keys ? 0 : -1; }
+
+    /// Draws the line anew. Nothing when the output is no terminal.
+    void show(std::string_view line);
+
+    /// Puts a lasting line of text above the redrawn one; on any kind of output.
+    void say(std::string_view text);
+
+    /// Gives the terminal its own ways back, and takes them again, round a stop of the process.
+    void suspend();
+    void resume();
+
+private:
+    termios before{}; ///< The terminal's own ways; first, as asking for them tells whether there are keys.
+    bool keys;
+    bool drawing;
+    std::string shown; ///< What the redrawn line holds.
+};
+
+} // namespace orvane::kestrum::track

@@ -1,0 +1,337 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "track/Tracker.h"
+
+#include "ipc/OrvaneParameterServer.h"
+#include "track/GridCentre.h"
+#include "track/LinkProbe.h"
+#include "track/LinkWriter.h"
+#include "track/Mounting.h"
+#include "track/MountingFile.h"
+#include "track/PlayedInput.h"
+#include "track/Signals.h"
+#include "track/StatusFile.h"
+#include "track/Terminal.h"
+#include "track/TrackError.h"
+#include "track/View.h"
+
+#include <boost/interprocess/exceptions.hpp>
+
+#include <algorithm>
+#include <chrono>
+#include <memory>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include <poll.h>
+#include <unistd.h>
+
+namespace orvane::kestrum::track {
+
+namespace {
+
+using std::chrono::milliseconds;
+
+constexpr milliseconds viewInterval{100};
+constexpr milliseconds statusInterval{1000};
+constexpr milliseconds probePause{200}; ///< Long enough for the slowest tracker to move.
+
+/// Of a tracker that is none of ours nothing is known but what the record shows.
+void requireFreeLink(bool takeOver, const std::optional<TrackStatus>& left) {
+    const auto first = probeLink();
+    if (takeOver || !first || !first->active || (left && !left->alive))
+        return;
+    std::this_thread::sleep_for(probePause);
+    const auto second = probeLink();
+    const bool moves = second && second->rotation != first->rotation;
+    throw TrackError(std::string("The link is active and its direction ") +
+                     (moves ? "moves: another tracker drives it"
+                            : "stands still: another tracker drives it, or has crashed") +
+                     ". End it, or take the link from it with --take-over.");
+}
+
+std::unique_ptr<OrvaneIPC::OrvaneParameterServer> makeServer(bool takeOver,
+                                                             const std::optional<TrackStatus>& left) {
+    requireFreeLink(takeOver, left);
+    try {
+        return std::make_unique<OrvaneIPC::OrvaneParameterServer>();
+    } catch (const boost::interprocess::interprocess_exception&) {
+        throw TrackError(
+            "The link cannot be made, since /dev/shm/OrvaneSharedMemory belongs to somebody else or "
+            "/dev/shm is full: remove that file as its owner, or make room.");
+    }
+}
+
+HeadTrackSettings settingsOf(const TrackOptions& options) {
+    HeadTrackSettings settings = options.head;
+    settings.biasDegrees = options.gridCentre ? gridCentreDegrees() : 0;
+    return settings;
+}
+
+/// All that belongs to one run. What is made first dies last: the name in the status file outlives the link.
+class Tracker {
+public:
+    explicit Tracker(const TrackOptions& options)
+        : mountings(readMountings(mountingFile())),
+          movement(options.replay ? readReplay(*options.replay) : std::vector<ReplayLine>{}),
+          left(readStatus(statusPath())),
+          statusFile(statusPath()),
+          network(options.network),
+          server(makeServer(options.takeOver, left)),
+          writer(*server->getHeadRotationServer()),
+          signals(*server->getHeadRotationServer()),
+          settings(settingsOf(options)),
+          head(settings),
+          start(Clock::now()),
+          played(options.demo, movement, start) {
+        for (const auto& [kind, mounting] : mountings)
+            head.setMounting(kind, mounting);
+        status.pid = getpid();
+        status.started = unixTime();
+    }
+
+    void run() {
+        sayHello();
+        for (Instant now = Clock::now(); !done; now = Clock::now()) {
+            takeSignals(now);
+            takeKeys(now);
+            takeSamples(now);
+            writeDirection(now);
+            tell(now);
+            if (!done)
+                wait();
+        }
+        writer.release();
+        tellStatus();
+    }
+
+private:
+    void sayHello();
+    void takeSignals(Instant now);
+    void takeKeys(Instant now);
+    void takeSamples(Instant now);
+    void take(const Sample& sample, Instant now);
+    void takePose(Instant now);
+    void writeDirection(Instant now);
+    void tell(Instant now);
+    void tellStatus();
+    void wait() const;
+    void end(Instant now);
+    void stop();
+
+    Mountings mountings;
+    std::vector<ReplayLine> movement;
+    std::optional<TrackStatus> left; ///< By the tracker before.
+    StatusFile statusFile;
+    NetworkInput network;
+    std::unique_ptr<OrvaneIPC::OrvaneParameterServer> server;
+    LinkWriter writer;
+    Signals signals;
+    HeadTrackSettings settings;
+    HeadTrack head;
+    Instant start;
+    PlayedInput played;
+    Terminal terminal;
+    std::optional<PoseCalibration> calibration;
+    std::optional<Instant> nextChange; ///< When the direction changes without any sample.
+    bool fresh = false;                ///< A sample came in since the last write.
+    bool ending = false;
+    bool done = false;
+    View view;
+    TrackStatus status;
+    Instant nextView{};
+    Instant nextStatus{};
+    bool toldUnknown = false;
+};
+
+void Tracker::sayHello() {
+    std::string ways;
+    if (const auto port = network.oscPort())
+        ways += "OSC on UDP port " + std::to_string(*port) + ", ";
+    if (const auto port = network.openTrackPort())
+        ways += "opentrack on UDP port " + std::to_string(*port) + ", ";
+    if (!ways.empty())
+        terminal.say(
+            "Listening: " + ways.substr(0, ways.size() - 2) +
+            (network.reach() == Reach::network ? ", to the whole network." : ", to this machine only."));
+    if (left && !left->alive)
+        terminal.say("The last tracker was ended by force: what it left is cleared away.");
+    terminal.say(
+        "The link is up. Load the plug-in now: an instance looks for the link once, when it is made.");
+    if (terminal.keyDescriptor() >= 0)
+        terminal.say("Keys: r makes ahead where you look, c calibrates a sensor that sits askew, q ends.");
+}
+
+void Tracker::takeSignals(Instant now) {
+    while (const auto request = signals.next()) {
+        switch (*request) {
+        case Signals::Request::recentre:
+            head.recentre(now);
+            break;
+        case Signals::Request::stop:
+            stop();
+            break;
+        case Signals::Request::end:
+            end(now);
+            break;
+        case Signals::Request::nothing:
+            break;
+        }
+    }
+}
+
+void Tracker::takeKeys(Instant now) {
+    constexpr char escape = 27;
+    while (const auto key = terminal.key()) {
+        switch (*key) {
+        case 'r':
+            head.recentre(now);
+            break;
+        case 'q':
+            end(now);
+            break;
+        case 'c':
+            calibration.emplace();
+            break;
+        case ' ':
+            takePose(now);
+            break;
+        case escape:
+            calibration.reset();
+            break;
+        default:
+            break;
+        }
+    }
+}
+
+void Tracker::takePose(Instant now) {
+    if (!calibration || !head.source())
+        return;
+    if (!calibration->add(head.raw()))
+        return;
+    try {
+        const Mounting mounting = calibration->result();
+        calibration.reset();
+        const std::string kind = head.source()->kind();
+        head.setMounting(kind, mounting.sensorToHead);
+        head.setReference(mounting.reference, now);
+        mountings[kind] = mounting.sensorToHead;
+        writeMountings(mountingFile(), mountings);
+        terminal.say("Calibrated " + kind + "; kept in " + mountingFile().string() + ".");
+    } catch (const TrackError& error) {
+        calibration.reset();
+        terminal.say(error.what());
+    }
+}
+
+void Tracker::takeSamples(Instant now) {
+    const Received received = network.receive();
+    for (const Sample& sample : received.samples)
+        take(sample, now);
+    for (const Sample& sample : played.samples(now))
+        take(sample, now);
+    if (received.recentre)
+        head.recentre(now);
+    view.countUnusable(received.unusable);
+    if (!toldUnknown && !received.unknownAddress.empty()) {
+        toldUnknown = true;
+        terminal.say(
+            "Messages to \"" + received.unknownAddress +
+            "\" tell no direction that is known here; kestrum track --dialects lists those that do.");
+    }
+    if (!ending && played.finished() && network.descriptors().empty())
+        end(now);
+}
+
+void Tracker::take(const Sample& sample, Instant now) {
+    const auto before = head.source();
+    if (!head.take(sample, now))
+        return;
+    fresh = true;
+    view.countSample();
+    status.lastPacket = unixTime();
+    if (before == sample.source)
+        return;
+    status.source = sample.source.describe();
+    terminal.say("Source: " + status.source + ".");
+    nextStatus = now;
+}
+
+void Tracker::writeDirection(Instant now) {
+    writer.flush(now);
+    const auto direction = head.direction(now);
+    if (!direction) {
+        if (writer.active()) {
+            writer.release();
+            nextStatus = now;
+        }
+        done = done || ending;
+    } else if (fresh || (nextChange && now >= *nextChange)) {
+        writer.write(*direction, now);
+    }
+    fresh = false;
+    nextChange = head.nextChange(now);
+}
+
+void Tracker::tell(Instant now) {
+    if (now >= nextView) {
+        nextView = now + viewInterval;
+        const auto direction = head.direction(now);
+        const Rotation withoutBias = rotationOf(HeadAngles{-settings.biasDegrees, 0, 0});
+        view.advance(now);
+        terminal.show(calibration ? std::string(calibration->prompt())
+                                  : view.line(head.source(),
+                                              direction ? std::optional(anglesOf(*direction * withoutBias))
+                                                        : std::nullopt,
+                                              now - head.lastSample()));
+    }
+    if (now >= nextStatus) {
+        nextStatus = now + statusInterval;
+        tellStatus();
+    }
+}
+
+void Tracker::tellStatus() {
+    status.active = writer.active();
+    statusFile.write(status);
+}
+
+void Tracker::wait() const {
+    Instant until = std::min(nextStatus, nextView);
+    for (const auto& moment : {writer.due(), nextChange, played.due()})
+        if (moment)
+            until = std::min(until, *moment);
+    std::vector<pollfd> waiting{{signals.descriptor(), POLLIN, 0}};
+    for (const int descriptor : network.descriptors())
+        waiting.push_back({descriptor, POLLIN, 0});
+    if (terminal.keyDescriptor() >= 0)
+        waiting.push_back({terminal.keyDescriptor(), POLLIN, 0});
+    const auto pause = std::max(until - Clock::now(), Clock::duration::zero());
+    const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(pause);
+    const timespec limit{seconds.count(), std::chrono::nanoseconds(pause - seconds).count()};
+    ppoll(waiting.data(), waiting.size(), &limit, nullptr);
+}
+
+/// The first wish glides, a second one ends at once.
+void Tracker::end(Instant now) {
+    done = done || ending;
+    ending = true;
+    head.end(now);
+    nextChange = now;
+}
+
+/// A stopped tracker must not hold the heads of all plug-ins fast.
+void Tracker::stop() {
+    terminal.suspend();
+    writer.release();
+    tellStatus();
+    Signals::stopProcess();
+    terminal.resume();
+}
+
+} // namespace
+
+void runTracker(const TrackOptions& options) { Tracker(options).run(); }
+
+} // namespace orvane::kestrum::track
