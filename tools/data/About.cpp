@@ -107,6 +107,36 @@ std::string aboutWithRooms(const std::string& about) {
     return textOf(whole);
 }
 
+std::string aboutWithOwnRoom(const std::filesystem::path& folder, int room,
+                             const std::vector<std::pair<std::string, std::string>>& facts) {
+    nlohmann::ordered_json about = readAbout(folder);
+    if (!about.is_object() || !about.contains("rooms") || !about["rooms"].is_object())
+        throw DataError("\"" + (folder / aboutFileName).string() +
+                        "\" does not tell of rooms: make them first with \"kestrum data reverb\".");
+    nlohmann::ordered_json own = nlohmann::ordered_json::array();
+    if (about["rooms"].contains("own") && about["rooms"]["own"].is_array())
+        for (const nlohmann::ordered_json& other : about["rooms"]["own"])
+            if (numberIn(other, "room") != room)
+                own.push_back(other);
+    nlohmann::ordered_json made;
+    made["room"] = room;
+    for (const auto& [name, value] : facts)
+        made[name] = value;
+    own.push_back(made);
+    about["rooms"]["own"] = own;
+    return textOf(about);
+}
+
+std::vector<int> ownRooms(const std::filesystem::path& folder) {
+    const nlohmann::ordered_json about = readAbout(folder);
+    std::vector<int> rooms;
+    if (about.is_object() && about.contains("rooms") && about["rooms"].is_object() &&
+        about["rooms"].contains("own") && about["rooms"]["own"].is_array())
+        for (const nlohmann::ordered_json& own : about["rooms"]["own"])
+            rooms.push_back(numberIn(own, "room"));
+    return rooms;
+}
+
 AboutMethods methodsOf(const std::filesystem::path& folder) {
     const nlohmann::ordered_json about = readAbout(folder);
     const bool rooms = about.is_object() && about.contains("rooms");

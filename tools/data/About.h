@@ -7,6 +7,8 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
+#include <vector>
 
 namespace orvane::kestrum::tools {
 
@@ -30,6 +32,17 @@ std::string aboutWithReverb(const std::filesystem::path& folder);
 
 /// The same for a text.
 std::string aboutWithRooms(const std::string& about);
+
+/// The text that lies in a folder, with a room that a user has made in place of one of the program's own. It stands until
+/// the rooms are made anew; made once more, a room replaces itself.
+/// @param room  as the product counts rooms.
+/// @param facts names and values that say how the room was made.
+/// @throws DataError when the folder has no such text, or none that tells of rooms.
+std::string aboutWithOwnRoom(const std::filesystem::path& folder, int room,
+                             const std::vector<std::pair<std::string, std::string>>& facts);
+
+/// The rooms of a folder that a user has made.
+std::vector<int> ownRooms(const std::filesystem::path& folder);
 
 /// The methods that a folder's text names; 0 for one that it does not.
 struct AboutMethods {

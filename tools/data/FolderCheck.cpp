@@ -70,8 +70,10 @@ double requireSides(const ResponseSet& set) {
 }
 
 /// @param headphones can have moved every peak by any gain that they have at a frequency.
+/// @param own rooms that a user has made.
 /// @return the largest peak of all rooms, in decibels.
-double requireUsableRooms(const ReverbSet& set, const AboutHeadphones& headphones) {
+double requireUsableRooms(const ReverbSet& set, const AboutHeadphones& headphones,
+                          const std::vector<int>& own) {
     // The other rates' responses are scaled to filter alike, and their peaks fall elsewhere between the samples.
     constexpr double softerDb = 4;
     constexpr double louderDb = 7;
@@ -88,7 +90,8 @@ double requireUsableRooms(const ReverbSet& set, const AboutHeadphones& headphone
                 peak = std::max(peak, std::abs(sample));
         }
         const double peakDb = 20 * std::log10(peak);
-        const LevelRange range = levelRange(entry.room);
+        const bool isOwn = std::ranges::find(own, entry.room) != own.end();
+        const LevelRange range = isOwn ? ownRoomLevelRange(entry.room) : levelRange(entry.room);
         if (peakDb < range.from - softerDb + headphones.leastDb ||
             peakDb > range.to + louderDb + headphones.mostDb)
             throw DataError(room + " has its peak at " + std::to_string(std::lround(peakDb)) +
@@ -146,7 +149,7 @@ FileVerdict checkReverbFile(const ReverbFile& file, const std::filesystem::path&
     FileVerdict verdict{std::string(file.name), false, {}, {}};
     try {
         const ReverbSet set = readReverbSet(file, folder);
-        const double largest = requireUsableRooms(set, headphonesOrNone(folder));
+        const double largest = requireUsableRooms(set, headphonesOrNone(folder), ownRooms(folder));
         std::ostringstream facts;
         facts << set.entries.size() << " rooms at " << file.sampleRate << " Hz, the largest peak at "
               << std::showpos << std::fixed << std::setprecision(1) << largest << " dB";

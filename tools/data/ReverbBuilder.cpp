@@ -28,9 +28,11 @@ std::span<const float> heardThrough(const RoomDescription& room) {
     const auto scene = std::ranges::find_if(presets, [&room](const core::Scene::Preset& preset) {
         return static_cast<int>(preset.roomType) == room.room && preset.reverbOn;
     });
-    if (scene == presets.end())
-        return {};
-    const std::optional<std::uint32_t> row = decayRow(scene->reverbDecayPercent);
+    return scene == presets.end() ? std::span<const float>() : heardThroughDecay(scene->reverbDecayPercent);
+}
+
+std::span<const float> heardThroughDecay(float reverbDecayPercent) {
+    const std::optional<std::uint32_t> row = decayRow(reverbDecayPercent);
     if (!row)
         return {};
     return decayTable().subspan(std::size_t{*row} * decayTableColumns, decayTableColumns);

@@ -18,6 +18,9 @@ using RoomDone = std::function<void(const RoomDescription& room)>;
 /// uses and for Scenes that leave the response as it is. Where two Scenes share a room, the first one's.
 std::span<const float> heardThrough(const RoomDescription& room);
 
+/// The gains of a Scene by the decay that it asks for.
+std::span<const float> heardThroughDecay(float reverbDecayPercent);
+
 /// Every room at masterSampleRate, each with a peak of 1, in the order of roomDescriptions(). Rooms are shared out
 /// over the machine's cores; which core makes a room does not matter to the result.
 /// @param head at masterSampleRate.

@@ -5,7 +5,6 @@
 #include "data/Grid.h"
 #include "data/OnAllCores.h"
 #include "data/RoomMeasures.h"
-#include "data/RoomTargets.h"
 #include "data/SceneProbe.h"
 #include "parameters/core/Scene.h"
 
@@ -81,8 +80,7 @@ double gainOf(double levelDb) { return std::pow(10.0, levelDb / 20); }
 
 constexpr double levelStepDb = 0.05;
 
-bool clarityCanBeMet(const RenderedScene& scene) {
-    const LevelRange range = levelRange(scene.room);
+bool clarityCanBeMet(const RenderedScene& scene, const LevelRange& range) {
     for (double level = range.from; level <= range.to; level += levelStepDb)
         if (std::abs(scene.clarityDb(gainOf(level)) - scene.target.clarity50Db) <= clarityToleranceDb)
             return true;
@@ -98,12 +96,12 @@ double costOf(const RenderedScene& scene, double gain, bool clarityCounts) {
     return clarityWeight * beyond * beyond + direct * direct;
 }
 
-double bestLevelDb(int room, const std::vector<RenderedScene>& scenes) {
-    const LevelRange range = levelRange(room);
+double bestLevelDb(int room, const std::vector<RenderedScene>& scenes, const LevelRange& range,
+                   bool clarityCountsAtAll = true) {
     std::vector<std::pair<const RenderedScene*, bool>> own;
     for (const RenderedScene& scene : scenes)
         if (scene.room == room)
-            own.emplace_back(&scene, clarityCanBeMet(scene));
+            own.emplace_back(&scene, clarityCountsAtAll && clarityCanBeMet(scene, range));
     double best = 0;
     double lowest = std::numeric_limits<double>::infinity();
     for (double level = range.from; level <= range.to; level += levelStepDb) {
@@ -116,6 +114,25 @@ double bestLevelDb(int room, const std::vector<RenderedScene>& scenes) {
         }
     }
     return best;
+}
+
+SceneFigures figuresOf(const RenderedScene& scene, double level) {
+    const double gain = gainOf(level);
+    return {scene.target.scene,
+            scene.room,
+            level,
+            scene.decaySeconds,
+            scene.target.decaySeconds,
+            scene.clarityDb(gain),
+            scene.target.clarity50Db,
+            scene.directToRestDb(gain),
+            scene.target.directToRestDb};
+}
+
+void scale(ReverbEntry& entry, double gain) {
+    for (Samples& ear : entry.ears)
+        for (double& sample : ear)
+            sample *= gain;
 }
 
 constexpr const char* trialRemedy = " cannot be made: let TMPDIR name a folder that you may write to.";
@@ -153,6 +170,12 @@ void fill(const TrialFolder& trial, const std::vector<ReverbEntry>& master,
 
 } // namespace
 
+LevelRange ownRoomLevelRange(int room) {
+    constexpr double further = 12;
+    const LevelRange range = levelRange(room);
+    return {range.from - further, range.to + further};
+}
+
 LevelRange levelRange(int room) {
     constexpr int van =
         25; // the product plays it 18 dB louder than its like, by its own gain and by its Scene's
@@ -173,21 +196,26 @@ std::vector<SceneFigures> calibrateLevels(std::vector<ReverbEntry>& master,
     }
     std::vector<SceneFigures> figures;
     for (const RenderedScene& scene : scenes) {
-        const double level = bestLevelDb(scene.room, scenes);
-        const double gain = gainOf(level);
-        figures.push_back({scene.target.scene, scene.room, level, scene.decaySeconds,
-                           scene.target.decaySeconds, scene.clarityDb(gain), scene.target.clarity50Db,
-                           scene.directToRestDb(gain), scene.target.directToRestDb});
+        const double level = bestLevelDb(scene.room, scenes, levelRange(scene.room));
+        figures.push_back(figuresOf(scene, level));
     }
     for (ReverbEntry& entry : master) {
         const auto figure = std::ranges::find(figures, entry.room, &SceneFigures::room);
         if (figure == figures.end())
             continue;
-        for (Samples& ear : entry.ears)
-            for (double& sample : ear)
-                sample *= gainOf(figure->levelDb);
+        scale(entry, gainOf(figure->levelDb));
     }
     return figures;
+}
+
+SceneFigures calibrateLevel(ReverbEntry& entry, const RoomTarget& target, const LevelRange& range,
+                            bool clarityCounts, const std::filesystem::path& folder) {
+    const TrialFolder trial;
+    fill(trial, {entry}, folder);
+    const RenderedScene scene = renderScene(target, trial.path);
+    const double level = bestLevelDb(scene.room, {scene}, range, clarityCounts);
+    scale(entry, gainOf(level));
+    return figuresOf(scene, level);
 }
 
 } // namespace orvane::kestrum::tools

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "data/ReverbFile.h"
+#include "data/RoomTargets.h"
 
 #include <filesystem>
 #include <string_view>
@@ -29,6 +30,9 @@ struct LevelRange {
 };
 LevelRange levelRange(int room);
 
+/// The same for a room that a user has made: it may be drier or louder than the Scene that it is put into.
+LevelRange ownRoomLevelRange(int room);
+
 /// Finds the level of every room that a Scene uses, in a closed loop: the Scenes are rendered through the plug-in's own
 /// engine with the responses as they are, once each, and since the level of the reverb only scales its share, the level
 /// is sought on what was rendered. Clarity (C50) is brought near its target first, then the direct sound over all the
@@ -41,5 +45,11 @@ LevelRange levelRange(int room);
 /// @throws DataError when the temporary folder cannot be made or filled.
 std::vector<SceneFigures> calibrateLevels(std::vector<ReverbEntry>& master,
                                           const std::filesystem::path& folder);
+
+/// The same for one Scene with another target, as calibrateLevels() finds its level.
+/// @param entry         the response of the Scene's room at 48000 Hz with a peak of 1; scaled in place.
+/// @param clarityCounts whether clarity is asked at all, or the direct sound alone.
+SceneFigures calibrateLevel(ReverbEntry& entry, const RoomTarget& target, const LevelRange& range,
+                            bool clarityCounts, const std::filesystem::path& folder);
 
 } // namespace orvane::kestrum::tools

@@ -20,16 +20,6 @@ namespace {
 
 constexpr const char* remedy = ": make the head first with \"kestrum data hrir --out DIR\".";
 
-ResponseSet readHead(const std::filesystem::path& folder) {
-    const ResponseFile& file = responseFiles[1];
-    static_assert(responseFiles[1].sampleRate == masterSampleRate);
-    const FileVerdict verdict = checkResponseFile(file, folder);
-    if (!verdict.sound)
-        throw DataError("\"" + (folder / file.name).string() + "\" cannot serve, " + verdict.finding +
-                        remedy);
-    return readResponseSet(file, folder);
-}
-
 void tellFigures(const std::vector<SceneFigures>& figures, std::ostream& out) {
     out << std::fixed;
     for (const SceneFigures& scene : figures)
@@ -43,6 +33,16 @@ void tellFigures(const std::vector<SceneFigures>& figures, std::ostream& out) {
 
 } // namespace
 
+ResponseSet readMasterHead(const std::filesystem::path& folder) {
+    const ResponseFile& file = responseFiles[1];
+    static_assert(responseFiles[1].sampleRate == masterSampleRate);
+    const FileVerdict verdict = checkResponseFile(file, folder);
+    if (!verdict.sound)
+        throw DataError("\"" + (folder / file.name).string() + "\" cannot serve, " + verdict.finding +
+                        remedy);
+    return readResponseSet(file, folder);
+}
+
 void writeRooms(const std::vector<ReverbEntry>& rooms, const std::string& about,
                 const std::filesystem::path& folder) {
     withdrawRooms(folder);
@@ -53,7 +53,7 @@ void writeRooms(const std::vector<ReverbEntry>& rooms, const std::string& about,
 
 void makeRooms(const std::filesystem::path& folder, std::ostream& out) {
     const std::string about = aboutWithReverb(folder);
-    const DiffuseHead head(readHead(folder));
+    const DiffuseHead head(readMasterHead(folder));
     std::size_t count = 0;
     std::vector<ReverbEntry> rooms = synthesiseRooms(head, [&](const RoomDescription& room) {
         out << "Room " << ++count << " of " << roomDescriptions().size() << ": " << room.name << ".\n"

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "data/ResponseSet.h"
 #include "data/ReverbFile.h"
 
 #include <filesystem>
@@ -30,6 +31,10 @@ void makeRooms(const std::filesystem::path& folder, std::ostream& out);
 /// Makes the three files and adds them to the folder's about.json.
 /// @throws DataError with the remedy when the folder lacks the head, holds a damaged one, or cannot be written.
 void runReverb(const ReverbRequest& request, std::ostream& out);
+
+/// The head's responses at masterSampleRate.
+/// @throws DataError with the remedy when they are missing or cannot be relied on.
+ResponseSet readMasterHead(const std::filesystem::path& folder);
 
 /// Writes the three files of the rooms, then the folder's about.json, which vouches for no rooms until all are there.
 /// @param rooms at masterSampleRate.
