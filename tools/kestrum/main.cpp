@@ -6,6 +6,7 @@
 #include "kestrum/PagesCommand.h"
 #include "render/Names.h"
 #include "render/RenderCommand.h"
+#include "room/RoomCommand.h"
 #include "track/TrackCommand.h"
 
 #include <CLI/CLI.hpp>
@@ -44,6 +45,7 @@ int run(int argumentCount, char** arguments) {
         orvane::kestrum::check::addCheckCommand(program);
         orvane::kestrum::doctor::addDoctorCommand(program);
         orvane::kestrum::track::addTrackCommand(program);
+        orvane::kestrum::tools::addRoomCommand(program);
         orvane::kestrum::pages::addPagesCommand(program, choices(), KESTRUM_VERSION);
         program.parse(argumentCount, arguments);
     } catch (const CLI::ParseError& error) {

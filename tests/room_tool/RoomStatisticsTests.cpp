@@ -1,0 +1,115 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "data/DataError.h"
+#include "room/RoomStatistics.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <functional>
+#include <limits>
+#include <string>
+
+using namespace orvane::kestrum::tools;
+using ::testing::HasSubstr;
+
+namespace {
+
+std::string refusal(const std::function<void()>& work) {
+    try {
+        work();
+    } catch (const DataError& error) {
+        return error.what();
+    }
+    return "nothing refused";
+}
+
+constexpr double notANumber = std::numeric_limits<double>::quiet_NaN();
+
+/// By hand: 4 m by 5 m by 3 m.
+TEST(RoomSizes, ComeFromTheWalls) {
+    const RoomBox box = roomBox({}, {1, 3, 2, 3, 1.5, 1.5});
+    EXPECT_DOUBLE_EQ(box.volume, 60);
+    EXPECT_DOUBLE_EQ(box.surface, 94);
+}
+
+/// By hand: a box of sides 1, 2^(1/3) and 2^(2/3) has the volume 2.
+TEST(RoomSizes, OfAVolumeAloneHaveTheSurfaceOfAUsualBox) {
+    const double a = 1, b = std::cbrt(2.0), c = b * b;
+    const RoomBox box = roomBox(2.0, {});
+    EXPECT_NEAR(box.surface, 2 * (a * b + a * c + b * c), 1e-12);
+}
+
+TEST(RoomSizes, ThatNoRoomHasAreRefused) {
+    for (const double volume : {0.0, -5.0, 1e9, notANumber})
+        EXPECT_THAT(refusal([&] { roomBox(volume, {}); }), HasSubstr("is no room's: give 1 to 1000000 m3"))
+            << volume;
+    EXPECT_THAT(refusal([] { roomBox({}, {}); }), HasSubstr("give --volume"));
+    EXPECT_THAT(refusal([] { roomBox({}, {1, 2, 3}); }), HasSubstr("--walls has 3 distances: give six"));
+    EXPECT_THAT(refusal([] { roomBox({}, {1, 2, 3, 4, 5, 0}); }), HasSubstr("A wall 0 m away"));
+    EXPECT_THAT(refusal([] { roomBox({}, {1, 2, 3, 4, 5, notANumber}); }), HasSubstr("A wall nan m away"));
+}
+
+TEST(DecayTimes, AreOneForTheMiddleOrSeven) {
+    const OctaveTimes one = octaveTimes({0.5});
+    EXPECT_DOUBLE_EQ(one[2], 0.5);
+    EXPECT_DOUBLE_EQ(one[3], 0.5);
+    EXPECT_GT(one[0], one[1]);
+    EXPECT_LT(one[6], one[5]);
+    const OctaveTimes seven = octaveTimes({0.7, 0.6, 0.5, 0.4, 0.3, 0.2, 0.1});
+    EXPECT_DOUBLE_EQ(seven[0], 0.7);
+    EXPECT_DOUBLE_EQ(seven[6], 0.1);
+}
+
+TEST(DecayTimes, ThatAreNoRoomsAreRefused) {
+    EXPECT_THAT(refusal([] { octaveTimes({0.5, 0.4}); }), HasSubstr("--t60 has 2 times"));
+    for (const double seconds : {0.0, -1.0, 0.001, 100.0, notANumber})
+        EXPECT_THAT(refusal([&] { octaveTimes({seconds}); }),
+                    HasSubstr("s is no room's: give 0.03 to 20 seconds"))
+            << seconds;
+}
+
+/// Analytic: where little is swallowed, T60 is 0.161 V / A, as Sabine has it.
+TEST(Absorption, OfALiveRoomIsSabines) {
+    const RoomBox box = roomBox(200.0, {});
+    EXPECT_NEAR(meanAbsorption(box, 10) * box.surface, 0.161 * 200 / 10, 0.01 * 0.161 * 200 / 10);
+}
+
+/// By hand: V 60, S 94, T 0.3 gives an exponent of 0.3429 and a share of 0.2903 (0.161 rounds 24 ln 10 / 343).
+TEST(Absorption, OfADryRoomIsEyrings) {
+    EXPECT_NEAR(meanAbsorption(roomBox({}, {1, 3, 2, 3, 1.5, 1.5}), 0.3), 0.2903, 0.0005);
+}
+
+TEST(Absorption, ThatWouldBeEverythingIsRefused) {
+    const RoomBox box = roomBox(1000.0, {});
+    EXPECT_THAT(refusal([&] { requirePossible(box, octaveTimes({0.05})); }),
+                HasSubstr("No room of 1000 m3 decays within"));
+    EXPECT_NO_THROW(requirePossible(box, octaveTimes({0.5})));
+}
+
+/// By hand: R = 94 * 0.2903 / 0.7097 = 38.45; sqrt(10^0.7 * 38.45 / 16 pi) = 1.958 m.
+TEST(CriticalDistances, ComeFromTheRoomConstant) {
+    EXPECT_NEAR(criticalDistance(roomBox({}, {1, 3, 2, 3, 1.5, 1.5}), 0.3, 7), 1.958, 0.005);
+}
+
+/// Analytic: a rest as strong as the direct sound that has fallen to a thousandth after 50 ms leaves nearly 33 dB.
+TEST(Clarities, CountWhatIsLeftAfterFiftyMilliseconds) {
+    EXPECT_NEAR(statisticalClarityDb(0, 0.1), 10 * std::log10((2 - 1e-3) / 1e-3), 1e-9);
+}
+
+/// By hand: the right wall, 2 m off; the image's path is sqrt(2^2 + 4^2) = 4.472 m, 2.472 m longer than the direct one.
+TEST(FirstReflections, ComeOffTheNearestWallOrTheCeiling) {
+    EXPECT_NEAR(firstReflectionMs(roomBox({}, {5, 5, 3, 2, 2.5, 1.2}), 2), 1000 * 2.472 / 343, 0.01);
+}
+
+TEST(Loudspeakers, StandInsideTheWalls) {
+    const RoomBox box = roomBox({}, {1.2, 3, 2, 2, 1.5, 1.2});
+    EXPECT_LT(defaultDistance(box), 1.2);
+    EXPECT_THAT(refusal([&] { requireInside(box, 2); }), HasSubstr("would stand behind the walls"));
+    for (const double distance : {0.0, -1.0, 1000.0, notANumber})
+        EXPECT_THAT(refusal([&] { requireInside(box, distance); }), HasSubstr("m away are no use"))
+            << distance;
+    EXPECT_DOUBLE_EQ(defaultDistance(roomBox(60.0, {})), 2);
+}
+
+} // namespace
