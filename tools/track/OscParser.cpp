@@ -5,6 +5,8 @@
 
 #include <lo/lo.h>
 
+#include <cstdint>
+#include <cstring>
 #include <filesystem>
 #include <limits>
 #include <string>
@@ -16,16 +18,24 @@ namespace orvane::kestrum::track {
 
 namespace {
 
-double numberOf(char type, const lo_arg& argument) {
+template <typename T>
+double copied(const lo_arg* argument) {
+    T value{};
+    std::memcpy(&value, argument, sizeof(value));
+    return static_cast<double>(value);
+}
+
+/// Read by copying: arguments lie on four bytes only, whatever their type.
+double numberOf(char type, const lo_arg* argument) {
     switch (type) {
     case LO_FLOAT:
-        return argument.f;
+        return copied<float>(argument);
     case LO_DOUBLE:
-        return argument.d;
+        return copied<double>(argument);
     case LO_INT32:
-        return argument.i;
+        return copied<std::int32_t>(argument);
     case LO_INT64:
-        return static_cast<double>(argument.h);
+        return copied<std::int64_t>(argument);
     default:
         return std::numeric_limits<double>::quiet_NaN();
     }
@@ -65,7 +75,7 @@ struct OscParser::Library {
         auto& library = *static_cast<Library*>(self);
         library.values.clear();
         for (int index = 0; index < count; ++index)
-            library.values.push_back(numberOf(types[index], *arguments[index]));
+            library.values.push_back(numberOf(types[index], arguments[index]));
         library.handler(path, library.values);
         return 0;
     }
