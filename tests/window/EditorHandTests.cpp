@@ -3,12 +3,10 @@
 // values as the product's description gives them.
 #include "Places.h"
 #include "WindowFixture.h"
-#include "render/Names.h"
 
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <cstddef>
 #include <string>
 
 namespace {
@@ -16,7 +14,6 @@ namespace {
 using namespace orvane::kestrum::host;
 using namespace orvane::kestrum::host::test;
 using namespace std::chrono_literals;
-namespace render = orvane::kestrum::render;
 
 /// One slider with its text and its range.
 struct SliderCase {

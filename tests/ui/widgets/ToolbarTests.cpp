@@ -130,7 +130,7 @@ TEST(Manual, IsLookedForWhereProgramsKeepWhatTheyShare) {
 /// The desktop's opener is a stand-in that notes what it is to open.
 TEST(Manual, IsOpenedByTheDesktop) {
     const juce::TemporaryFile folder;
-    const auto place = folder.getFile();
+    const auto& place = folder.getFile();
     ASSERT_TRUE(place.createDirectory());
     const auto manual = place.getChildFile("The Product Manual.pdf");
     const auto noted = place.getChildFile("noted");
