@@ -24,7 +24,7 @@ constexpr std::chrono::seconds limit{3};
 /// A copy that may be torn: whether something changes is all that is asked of it.
 OrvaneIPC::HeadRotation::Data copyOf(const OrvaneIPC::HeadRotation::Data& record) {
     OrvaneIPC::HeadRotation::Data copy;
-    std::atomic_thread_fence(std::memory_order_seq_cst); // or the compiler may read memory once for all looks
+    std::atomic_signal_fence(std::memory_order_seq_cst); // or the compiler may read memory once for all looks
     std::memcpy(&copy, &record, sizeof copy);
     return copy;
 }
