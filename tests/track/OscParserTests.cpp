@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// Packets are written out by hand, after the OSC 1.0 specification: strings end in 0 and fill up to four bytes, numbers
+// Packets are written out by hand, after the OSC 1.0 standard: strings end in 0 and fill up to four bytes, numbers
 // are big-endian.
 #include "track/OscParser.h"
 
