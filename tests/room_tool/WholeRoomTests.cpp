@@ -210,7 +210,7 @@ TEST_F(WholeRoomsForHeadphones, AreRefusedWhereTheHeadWithoutThemIsMissing) {
     asked.t60 = {0.4};
     asked.volume = 60;
     EXPECT_THAT(runOn("studio-00000001", asked),
-                AllOf(HasSubstr("refused: "), HasSubstr("kestrum data hrir")));
+                AllOf(HasSubstr("refused: "), HasSubstr("which no set of this machine holds")));
     EXPECT_FALSE(std::filesystem::exists(folder.file("studio-00000001")));
 }
 
