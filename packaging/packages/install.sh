@@ -1,6 +1,6 @@
 #!/bin/sh
 # SPDX-License-Identifier: GPL-3.0-or-later
-# Installs what lies beside it, or takes away again what it has installed.
+# Installs the files of the tar ball that it is part of, or takes away again what it has installed.
 set -eu
 export LC_ALL=C # one order for sort and comm
 umask 022
@@ -58,12 +58,22 @@ missing_above() {
     }
 }
 
-# The files that standard input names, and the link that leads to a set which goes.
-remove_files() {
+# Whether the plug-in's link leads to the folder of a file that standard input names.
+leads_to_one() {
+    used=$(readlink "$root$product/data" || true)
+    case $used in
+    "") return 1 ;;
+    /*) ;;
+    *) used=$product/$used ;;
+    esac
     while IFS= read -r file; do
-        if [ "$product/$(readlink "$root$product/data" || true)" = "$(dirname "$file")" ]; then
-            rm -f "$root$product/data"
-        fi
+        [ "$used" != "$(dirname "$file")" ] || return 0
+    done
+    return 1
+}
+
+remove_files() { # that standard input names
+    while IFS= read -r file; do
         rm -f "$root$file"
         case $file in
         "$product"/sets/*) rmdir "$root$(dirname "$file")" 2>/dev/null || true ;; # or it would be listed as a set
@@ -73,6 +83,9 @@ remove_files() {
 
 if [ $uninstall = yes ]; then
     [ -f "$root$list" ] || fail "nothing is installed below $prefix: name the folder by --prefix that you have installed to."
+    if files_of <"$root$list" | leads_to_one; then
+        rm -f "$root$product/data"
+    fi
     files_of <"$root$list" | remove_files
     folders=$(folders_of <"$root$list" | sort -r)
     rm -f "$root$list"
@@ -83,18 +96,22 @@ if [ $uninstall = yes ]; then
     exit 0
 fi
 
-[ -d "$here/lib/vst3" ] || fail "the files to install are not beside it: run it in the unpacked folder."
+# What else lies in the unpacked folder is somebody's own and stays there.
+[ -s "$here/file-list" ] || fail "the files to install are not beside it: run it in the unpacked folder."
+files=$(cat "$here/file-list")
+echo "$files" | while IFS= read -r file; do
+    [ -f "$here/$file" ] || fail "$file is missing in $here: unpack the tar ball anew."
+done
 if [ -z "$root" ] && dpkg-query -W -f '${db:Status-Status}' orvane-kestrum 2>/dev/null | grep -qx installed; then
     fail "Orvane KESTRUM is installed as a Debian package: remove that first (apt remove orvane-kestrum orvane-kestrum-data)."
 fi
 
 set_folder=$product/sets/kemar-$(sha256sum "$here/share/orvane-kestrum/sets/kemar/about.json" | cut -c 1-8)
-# Where a file of this folder goes; nothing for one that stays here.
+# Where a file of this folder goes.
 destination_of() {
     case $1 in
     share/orvane-kestrum/sets/kemar/*) echo "$set_folder/${1##*/}" ;;
     share/Lorimond/*) echo "$manual" ;;
-    share/lintian/* | install.sh | README.md) ;;
     *) echo "$prefix/$1" ;;
     esac
 }
@@ -103,7 +120,6 @@ destination_of() {
 # installed stays on the list until it is gone.
 folders=$(missing_above "$(dirname "$list")")
 mkdir -p "$root$(dirname "$list")" || fail "$(dirname "$list") cannot be made."
-files=$(cd "$here" && find . -type f | sed 's|^\./||' | sort)
 coming=$(echo "$files" | while IFS= read -r file; do destination_of "$file"; done | sort)
 older=""
 if [ -f "$root$list" ]; then
@@ -114,7 +130,6 @@ printf '%s\n' "$coming" "$older" "$folders" | sed '/^$/d' | sort >"$root$list"
 
 echo "$files" | while IFS= read -r file; do
     destination=$(destination_of "$file")
-    [ -n "$destination" ] || continue
     missing_above "$(dirname "$destination")" >>"$root$list"
     # By one rename: who reads it meanwhile has the old file or the new one.
     { mkdir -p "$root$(dirname "$destination")" && cp "$here/$file" "$root$destination.new" &&
@@ -124,14 +139,16 @@ echo "$files" | while IFS= read -r file; do
     }
 done
 
-echo "$older" | files_of | remove_files
-folders=$(folders_of <"$root$list")
-printf '%s\n' "$coming" "$folders" | sed '/^$/d' | sort -u >"$root$list"
-if [ ! -e "$root$product/data" ]; then # missing, or a link to nothing
+# First the link to the new set, by one rename, then the old set goes: a host that starts meanwhile finds either. A link to
+# a set of one's own stays; one that is missing or leads to nothing is made anew.
+if [ ! -e "$root$product/data" ] || echo "$older" | leads_to_one; then
     rm -f "$root$product/.data.new"
     ln -s "${set_folder#"$product/"}" "$root$product/.data.new"
     mv -T "$root$product/.data.new" "$root$product/data"
 fi
+echo "$older" | files_of | remove_files
+folders=$(folders_of <"$root$list")
+printf '%s\n' "$coming" "$folders" | sed '/^$/d' | sort -u >"$root$list"
 
 echo "Orvane KESTRUM is installed below $prefix; \"./install.sh --uninstall\" or"
 echo "\"$prefix/bin/kestrum doctor\" are at your service."

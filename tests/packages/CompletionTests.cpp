@@ -22,7 +22,7 @@ protected:
     BashCompletion() {
         const test::SampleProgram program;
         std::ofstream(folder.file("script")) << bashCompletion(
-            program.app, {{"--scene", {"Mix Room", "Mix Room A", "It's Club"}}, {"SHAPE", {"round"}}});
+            program.app, {{{"--scene", {"Mix Room", "Mix Room A", "It's Club"}}, {"SHAPE", {"round"}}}, {}});
         std::ofstream(folder.file("music.wav")) << "";
         std::filesystem::create_directory(folder.file("my folder"));
     }
@@ -68,6 +68,29 @@ TEST_F(BashCompletion, OffersFilesAndFoldersWhereTheyBelong) {
 TEST_F(BashCompletion, CountsArgumentsPastOptionsAndTheirValues) {
     EXPECT_EQ(complete("kestrum draw --scene Club music.wav r"), "round\n");
     EXPECT_EQ(complete("kestrum draw music.wav --raw --size 3 r"), "round\n");
+}
+
+/// The program's own script: sets of the machine and of packages as they are when it is asked, each name once.
+TEST(BashCompletionOfTheProgram, OffersTheSetsThatThereAre) {
+    const test::TemporaryFolder folder;
+    for (const char* set : {"root/sets/mine-0123abcd", "root/sets/mine-89abcdef-2",
+                            "root/sets/studio-00000000", "root/sets/.new-abcdef", "packaged/kemar"})
+        std::filesystem::create_directories(folder.file(set));
+    ASSERT_EQ(test::outputOf(KESTRUM_PROGRAM " write-pages " + folder.file("pages") + " 2>&1"), "");
+    const auto complete = [&](const std::string& typed) {
+        return test::outputOf("cd " + folder.path() +
+                              " && KESTRUM_DATA_ROOT=root KESTRUM_PACKAGED_SETS=packaged bash --norc -c '. "
+                              "pages/completions/kestrum; compopt() { :; }; COMP_WORDS=(kestrum data use " +
+                              typed +
+                              "); COMP_CWORD=3; _kestrum; ((${#COMPREPLY[@]})) && printf \"%s\\n\" "
+                              "\"${COMPREPLY[@]}\"' 2>&1");
+    };
+    EXPECT_EQ(complete(R"("")"), "kemar\nmine\nstudio\n");
+    EXPECT_EQ(complete("st"), "studio\n");
+    std::filesystem::create_directory(folder.file("root/sets/stage-11111111"));
+    EXPECT_EQ(complete("st"), "stage\nstudio\n");
+    std::filesystem::remove_all(folder.file("root"));
+    EXPECT_EQ(complete(R"("")"), "kemar\n") << "a machine without sets of its own";
 }
 
 } // namespace

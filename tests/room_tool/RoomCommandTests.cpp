@@ -1,5 +1,4 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "data/DataError.h"
 #include "data/DecaySearch.h"
 #include "data/ReportPage.h"
 #include "data/ReverbBuilder.h"
@@ -7,6 +6,7 @@
 #include "room/RoomCommand.h"
 
 #include "../data_builder/SyntheticRooms.h"
+#include "Refusal.h"
 #include "SyntheticRoom.h"
 
 #include <CLI/CLI.hpp>
@@ -16,27 +16,18 @@
 #include <cmath>
 #include <filesystem>
 #include <fstream>
-#include <functional>
 #include <iterator>
 #include <sstream>
 #include <string>
 
 using namespace orvane::kestrum::tools;
+using test::refusal;
 using ::testing::AllOf;
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 
 namespace {
-
-std::string refusal(const std::function<void()>& work) {
-    try {
-        work();
-    } catch (const DataError& error) {
-        return error.what();
-    }
-    return "nothing refused";
-}
 
 std::string roomPage() {
     std::ifstream page(std::filesystem::path(KESTRUM_DOCS) / "tools" / "kestrum-room.md");

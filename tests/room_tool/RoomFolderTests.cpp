@@ -2,8 +2,10 @@
 #include "data/About.h"
 #include "data/DataError.h"
 #include "data/FolderCheck.h"
+#include "room/FolderInTheMaking.h"
 #include "room/RoomFolder.h"
 
+#include "Refusal.h"
 #include "SoundFolder.h"
 
 #include <gmock/gmock.h>
@@ -11,10 +13,13 @@
 
 #include <algorithm>
 #include <cmath>
+#include <csignal>
 #include <filesystem>
+#include <fstream>
 #include <string>
 
 using namespace orvane::kestrum::tools;
+using ::testing::AllOf;
 using ::testing::HasSubstr;
 
 namespace {
@@ -39,6 +44,11 @@ std::string refusalOf(const std::string& data, const std::string& out) {
         return error.what();
     }
     return "nothing refused";
+}
+
+std::ptrdiff_t entryCount(const std::filesystem::path& folder) {
+    const std::filesystem::directory_iterator entries(folder);
+    return std::distance(begin(entries), end(entries));
 }
 
 bool allSound(const std::filesystem::path& folder) {
@@ -112,8 +122,48 @@ TEST(RoomFolders, LeaveNothingBehindWhenTheyCannotBeMade) {
     test::writeBytes(folder.file("taken"), "a file"); // came into being meanwhile
     EXPECT_THROW(writeRoomFolder(test::soundFolder(), folder.file("taken"), tone(0.5), {}), DataError);
     EXPECT_EQ(test::readBytes(folder.file("taken")), "a file");
-    const auto left = std::filesystem::directory_iterator(folder.path());
-    EXPECT_EQ(std::distance(begin(left), end(left)), 1);
+    EXPECT_EQ(entryCount(folder.path()), 1);
+}
+
+/// 60 dB below a peak of 1 no calibration puts a room.
+TEST(RoomFolders, ThatWouldNotBeSoundAreNotMade) {
+    const test::TemporaryFolder folder;
+    EXPECT_THAT(
+        test::refusal([&] { writeRoomFolder(test::soundFolder(), folder.file("made"), tone(0.001), {}); }),
+        AllOf(HasSubstr("Nothing is made"), HasSubstr("room 15 has its peak at")));
+    EXPECT_EQ(entryCount(folder.path()), 0);
+}
+
+/// Who changes the plug-in's link meanwhile does not change what is read.
+TEST(RoomFolders, AreMadeOfTheFolderThatALinkLedTo) {
+    const test::TemporaryFolder folder;
+    std::filesystem::create_symlink(test::soundFolder(), folder.file("data"));
+    EXPECT_EQ(requireSource(folder.file("data")), std::filesystem::canonical(test::soundFolder()));
+}
+
+TEST(FoldersInTheMaking, AreGoneWhenTheProgramIsEndedMeanwhile) {
+    const test::TemporaryFolder folder;
+    const auto interrupted = [&](int number) {
+        FolderInTheMaking making(folder.file("made"));
+        std::ofstream(making.folder() / "OVNdata510.dat") << "half";
+        raise(number);
+        making.finish();
+    };
+    for (const int number : {SIGINT, SIGTERM, SIGHUP}) {
+        EXPECT_EXIT(interrupted(number), ::testing::KilledBySignal(number), "");
+        EXPECT_EQ(entryCount(folder.path()), 0) << number;
+    }
+}
+
+/// As under nohup.
+TEST(FoldersInTheMaking, AreFinishedWhereASignalIsIgnored) {
+    const test::TemporaryFolder folder;
+    const auto before = std::signal(SIGHUP, SIG_IGN);
+    FolderInTheMaking making(folder.file("made"));
+    raise(SIGHUP);
+    making.finish();
+    std::signal(SIGHUP, before);
+    EXPECT_TRUE(std::filesystem::exists(folder.file("made")));
 }
 
 } // namespace

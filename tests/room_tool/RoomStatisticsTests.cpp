@@ -1,28 +1,20 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "data/DataError.h"
 #include "room/RoomStatistics.h"
+
+#include "Refusal.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <functional>
 #include <limits>
-#include <string>
 
 using namespace orvane::kestrum::tools;
+using test::refusal;
+using ::testing::AllOf;
 using ::testing::HasSubstr;
 
 namespace {
-
-std::string refusal(const std::function<void()>& work) {
-    try {
-        work();
-    } catch (const DataError& error) {
-        return error.what();
-    }
-    return "nothing refused";
-}
 
 constexpr double notANumber = std::numeric_limits<double>::quiet_NaN();
 
@@ -45,6 +37,10 @@ TEST(RoomSizes, ThatNoRoomHasAreRefused) {
         EXPECT_THAT(refusal([&] { roomBox(volume, {}); }), HasSubstr("is no room's: give 1 to 1000000 m3"))
             << volume;
     EXPECT_THAT(refusal([] { roomBox({}, {}); }), HasSubstr("give --volume"));
+    EXPECT_THAT(refusal([] {
+                    roomBox(200.0, {1, 3, 2, 3, 1.5, 1.5});
+                }),
+                HasSubstr("told twice: give either --volume or --walls"));
     EXPECT_THAT(refusal([] { roomBox({}, {1, 2, 3}); }), HasSubstr("--walls has 3 distances: give six"));
     EXPECT_THAT(refusal([] { roomBox({}, {1, 2, 3, 4, 5, 0}); }), HasSubstr("A wall 0 m away"));
     EXPECT_THAT(refusal([] { roomBox({}, {1, 2, 3, 4, 5, notANumber}); }), HasSubstr("A wall nan m away"));
@@ -83,7 +79,11 @@ TEST(Absorption, OfADryRoomIsEyrings) {
 TEST(Absorption, ThatWouldBeEverythingIsRefused) {
     const RoomBox box = roomBox(1000.0, {});
     EXPECT_THAT(refusal([&] { requirePossible(box, octaveTimes({0.05})); }),
-                HasSubstr("No room of 1000 m3 decays within"));
+                AllOf(HasSubstr("No room of 1000 m3 decays within"), HasSubstr("a smaller --volume")));
+    EXPECT_THAT(refusal([] {
+                    requirePossible(roomBox({}, {5, 5, 5, 5, 5, 5}), octaveTimes({0.05}));
+                }),
+                HasSubstr("shorter distances with --walls"));
     EXPECT_NO_THROW(requirePossible(box, octaveTimes({0.5})));
 }
 
@@ -97,9 +97,19 @@ TEST(Clarities, CountWhatIsLeftAfterFiftyMilliseconds) {
     EXPECT_NEAR(statisticalClarityDb(0, 0.1), 10 * std::log10((2 - 1e-3) / 1e-3), 1e-9);
 }
 
-/// By hand: the right wall, 2 m off; the image's path is sqrt(2^2 + 4^2) = 4.472 m, 2.472 m longer than the direct one.
-TEST(FirstReflections, ComeOffTheNearestWallOrTheCeiling) {
-    EXPECT_NEAR(firstReflectionMs(roomBox({}, {5, 5, 3, 2, 2.5, 1.2}), 2), 1000 * 2.472 / 343, 0.01);
+/// By hand, for loudspeakers 2 m away, 1 m to either side and 1.732 m in front. Left wall 1.9 m off: the left one's image
+/// stands 2.8 m to the left, its path is sqrt(2.8^2 + 1.732^2) = 3.292 m, 1.292 m longer than the direct one.
+TEST(FirstReflections, ComeOffTheSideWallThatTheLoudspeakerStandsNearTo) {
+    EXPECT_NEAR(firstReflectionMs(roomBox({}, {9, 9, 1.9, 2.3, 9, 1.2}), 2), 1000 * 1.292 / 343, 0.01);
+    EXPECT_NEAR(firstReflectionMs(roomBox({}, {9, 9, 2.3, 1.9, 9, 1.2}), 2), 1000 * 1.292 / 343, 0.01);
+}
+
+/// By hand, the same loudspeakers. Front wall 2.5 m off: sqrt(1^2 + 3.268^2) = 3.418 m. Back wall 1 m off:
+/// sqrt(1^2 + 3.732^2) = 3.864 m. Ceiling 1.2 m above: sqrt(2^2 + 2.4^2) = 3.124 m.
+TEST(FirstReflections, ComeOffFrontBackAndCeilingWhereTheseAreNear) {
+    EXPECT_NEAR(firstReflectionMs(roomBox({}, {2.5, 9, 9, 9, 9, 1.2}), 2), 1000 * 1.418 / 343, 0.01);
+    EXPECT_NEAR(firstReflectionMs(roomBox({}, {9, 1, 9, 9, 9, 1.2}), 2), 1000 * 1.864 / 343, 0.01);
+    EXPECT_NEAR(firstReflectionMs(roomBox({}, {9, 9, 9, 9, 1.2, 1.2}), 2), 1000 * 1.124 / 343, 0.01);
 }
 
 TEST(Loudspeakers, StandInsideTheWalls) {

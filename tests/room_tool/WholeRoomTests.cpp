@@ -3,13 +3,16 @@
 #include "data/BandFilter.h"
 #include "data/DataError.h"
 #include "data/FolderCheck.h"
+#include "data/HeadphoneFold.h"
 #include "data/MeasuredSet.h"
+#include "data/ReportPage.h"
+#include "data/ReverbFile.h"
 #include "data/SceneProbe.h"
 #include "data/SetStore.h"
 #include "room/OwnRoom.h"
 #include "room/RoomCommand.h"
 
-#include "SoundFolder.h"
+#include "FoldedFolder.h"
 #include "SyntheticRoom.h"
 
 #include <gmock/gmock.h>
@@ -118,10 +121,97 @@ TEST_F(WholeRooms, HaveTheDirectSoundAtTheLevelThatIsAskedFor) {
         asked.t60.assign(7, 0.4);
         asked.volume = 40;
         asked.directOverRestDb = level;
-        run(asked);
+        EXPECT_THAT(run(asked), Not(HasSubstr("direct sound over the rest")));
         const SceneResponses parts = rendered("Living Room");
         EXPECT_NEAR(10 * std::log10(energy(parts.direct) / energy(parts.rest())), level, 0.3) << level;
     }
+}
+
+/// The Scene's own reflections alone are stronger than 50 dB below the direct sound.
+TEST_F(WholeRooms, WhoseLevelIsMissedSaySo) {
+    RoomRequest asked = request("Living Room");
+    asked.t60 = {0.4};
+    asked.volume = 40;
+    asked.directOverRestDb = 50;
+    EXPECT_THAT(run(asked), AllOf(HasSubstr("not met: "), HasSubstr("direct sound over the rest"),
+                                  Not(HasSubstr("all met"))));
+}
+
+/// A set of the machine with headphones folded in, and the same one without them.
+class WholeRoomsForHeadphones : public WholeRooms {
+protected:
+    WholeRoomsForHeadphones() {
+        setenv("KESTRUM_DATA_ROOT", folder.file("root").c_str(), 1);
+        setenv("KESTRUM_PACKAGED_SETS", folder.file("none").c_str(), 1);
+        std::filesystem::create_directories(folder.file("root/sets"));
+        std::filesystem::copy(test::foldedFolder(), folder.file("root/sets/studio-00000001"));
+    }
+    ~WholeRoomsForHeadphones() override {
+        unsetenv("KESTRUM_DATA_ROOT");
+        unsetenv("KESTRUM_PACKAGED_SETS");
+    }
+    WholeRoomsForHeadphones(const WholeRoomsForHeadphones&) = delete;
+    WholeRoomsForHeadphones& operator=(const WholeRoomsForHeadphones&) = delete;
+
+    void addPlainSet() const {
+        std::filesystem::copy(test::soundFolder(), folder.file("root/sets/plain-00000002"));
+    }
+    std::string runOn(const std::string& set, RoomRequest asked) const {
+        asked.data = folder.file("root/sets/" + set);
+        asked.out = folder.file(set);
+        return run(asked);
+    }
+    ReverbEntry livingRoomOf(const std::string& made) const {
+        const ReverbSet set = readReverbSet(reverbFiles[1], folder.file(made));
+        return *std::ranges::find(set.entries, 19, &ReverbEntry::room);
+    }
+    /// The room of the set with headphones has to be that of the plain one, filtered.
+    void expectOnlyFiltered(const RoomRequest& asked) const {
+        runOn("plain-00000002", asked);
+        const std::string told = runOn("studio-00000001", asked);
+        ReverbEntry expected = livingRoomOf("plain-00000002");
+        foldIntoRoom(expected, readHeadphones(folder.file("studio-00000001/headphones.txt")).curve, 48000);
+        const ReverbEntry made = livingRoomOf("studio-00000001");
+        double peak = 0;
+        double off = 0;
+        for (std::size_t ear = 0; ear < 2; ++ear)
+            for (std::size_t frame = 0; frame < made.ears[ear].size(); ++frame) {
+                peak = std::max(peak, std::abs(made.ears[ear][frame]));
+                off = std::max(off, std::abs(made.ears[ear][frame] - expected.ears[ear][frame]));
+            }
+        EXPECT_LT(off, 1e-5 * peak); // files are of 32-bit floats
+        const double peakDb = 20 * std::log10(peak);
+        EXPECT_THAT(told, HasSubstr("peak of the stored response " + std::string(peakDb > 0.05 ? "+" : "") +
+                                    fixedText(peakDb, 1) + " dB"));
+        EXPECT_THAT(told, HasSubstr("Headphones: folded in after the level was set"));
+        const auto verdicts = checkDataFolder(folder.file("studio-00000001"));
+        EXPECT_TRUE(std::ranges::all_of(verdicts, &FileVerdict::sound));
+    }
+};
+
+/// Property: trying another correction changes the colour and nothing else.
+TEST_F(WholeRoomsForHeadphones, FromFiguresAreThoseWithoutThemFiltered) {
+    addPlainSet();
+    RoomRequest asked = request("Living Room");
+    asked.t60 = {0.4};
+    asked.volume = 60;
+    expectOnlyFiltered(asked);
+}
+
+TEST_F(WholeRoomsForHeadphones, FromAMeasurementAreThoseWithoutThemFiltered) {
+    addPlainSet();
+    RoomRequest asked = request("Living Room");
+    asked.response = test::SyntheticRoom{}.write(folder.file("ir.wav"), 2);
+    expectOnlyFiltered(asked);
+}
+
+TEST_F(WholeRoomsForHeadphones, AreRefusedWhereTheHeadWithoutThemIsMissing) {
+    RoomRequest asked = request("Living Room");
+    asked.t60 = {0.4};
+    asked.volume = 60;
+    EXPECT_THAT(runOn("studio-00000001", asked),
+                AllOf(HasSubstr("refused: "), HasSubstr("which no set of this machine holds")));
+    EXPECT_FALSE(std::filesystem::exists(folder.file("studio-00000001")));
 }
 
 TEST_F(WholeRooms, AreTheSameEveryTime) {
@@ -192,13 +282,17 @@ TEST_F(WholeRooms, LongerThanTheirPlaceAreShortenedAndSayWhereTheyWouldFit) {
     RoomRequest asked = request("Living Room");
     asked.t60.assign(7, 1.2);
     asked.volume = 2000;
-    EXPECT_THAT(run(asked), AllOf(HasSubstr("holds a T60 of 0.60 s"), HasSubstr("\"Live Venue\"")));
+    EXPECT_THAT(run(asked), AllOf(HasSubstr("holds a T60 of 0.60 s"), HasSubstr("\"Live Venue\""),
+                                  HasSubstr("not met: length")));
     EXPECT_NEAR(schroederSeconds(rendered("Living Room").reverb), 0.603, 0.1 * 0.603);
 }
 
 TEST_F(WholeRooms, JoinTheSetsOfTheMachineByName) {
     setenv("KESTRUM_DATA_ROOT", folder.file("root").c_str(), 1);
+    std::filesystem::create_directory(folder.file("root"));
+    std::filesystem::create_symlink(test::soundFolder(), folder.file("root/data"));
     RoomRequest asked = request("Living Room");
+    asked.data.clear(); // the one that the plug-in reads
     asked.out.clear();
     asked.name = "mine";
     asked.t60 = {0.4};
@@ -216,6 +310,32 @@ TEST_F(WholeRooms, ThatAreRefusedLeaveNothingBehind) {
     asked.response = "/none.wav";
     EXPECT_THAT(run(asked), HasSubstr("refused: \"/none.wav\" cannot be read as sound"));
     EXPECT_TRUE(std::filesystem::is_empty(folder.path()));
+}
+
+/// Asked before the work, and not at its end: no folder comes into being.
+TEST_F(WholeRooms, WithAReportNeedGnuplotFirst) {
+    RoomRequest asked = request("Living Room");
+    asked.t60 = {0.4};
+    asked.volume = 60;
+    asked.report = folder.file("report");
+    const std::string path = std::getenv("PATH");
+    setenv("PATH", folder.path().c_str(), 1);
+    EXPECT_THAT(run(asked), HasSubstr("refused: The plots cannot be drawn without gnuplot"));
+    setenv("PATH", path.c_str(), 1);
+    EXPECT_TRUE(std::filesystem::is_empty(folder.path()));
+}
+
+TEST_F(WholeRooms, AreThereEvenWhereTheirReportCannotBeWritten) {
+    setenv("KESTRUM_DATA_ROOT", folder.file("root").c_str(), 1);
+    RoomRequest asked = request("Living Room");
+    asked.out.clear();
+    asked.name = "mine";
+    asked.t60 = {0.4};
+    asked.volume = 60;
+    asked.report = "/proc/none";
+    EXPECT_THAT(run(asked), HasSubstr("refused: "));
+    EXPECT_EQ(ownRooms(SetStore::ofThisMachine().find("mine").folder), std::vector<int>{19});
+    unsetenv("KESTRUM_DATA_ROOT");
 }
 
 TEST_F(WholeRooms, AreShownOnAPageWithPlots) {

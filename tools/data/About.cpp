@@ -175,6 +175,15 @@ AboutSource aboutSource(const std::filesystem::path& folder) {
     return {input ? textIn(about["input"], "file") : std::string(), textIn(about, "origin")};
 }
 
+std::string aboutOfHead(const std::filesystem::path& folder) {
+    nlohmann::ordered_json about = readAbout(folder);
+    if (!about.is_object())
+        return "";
+    for (const char* beside : {"rooms", "headphones", "tool"}) // the method tells which tools are alike
+        about.erase(beside);
+    return textOf(about);
+}
+
 void withdrawRooms(const std::filesystem::path& folder) {
     nlohmann::ordered_json about = readAbout(folder);
     if (about.is_object() && about.erase("rooms") > 0)

@@ -81,6 +81,10 @@ struct AboutSource {
 };
 AboutSource aboutSource(const std::filesystem::path& folder);
 
+/// What a folder's text says about its head but for headphones: folders of which it is the same hold the same head, but for
+/// what headphones have made of it. Empty where the folder does not tell.
+std::string aboutOfHead(const std::filesystem::path& folder);
+
 /// Lets a folder no longer vouch for its rooms, or for its head either, while they are made anew: what is left of an
 /// interrupted run is not taken for a whole set. A folder without the text stays as it is.
 /// @throws DataError when the folder cannot be written.

@@ -60,11 +60,15 @@ std::string joined(const std::vector<std::string>& words) {
     return text;
 }
 
-/// What the value of an option or argument is: "files", "folders", "other", or the name of its choices.
-std::string kindOf(const CLI::Option& option, const std::vector<std::string>& names, const Choices& choices) {
-    for (const std::string& name : names)
-        if (choices.contains(name))
+/// What the value of an option or argument of a command is: "files", "folders", "other", or the name of its choices.
+std::string kindOf(const Command& command, const CLI::Option& option, const std::vector<std::string>& names,
+                   const Choices& choices) {
+    for (const std::string& name : names) {
+        if (const std::string listing = command.spelled(" ") + " " + name; choices.listings.contains(listing))
+            return listing;
+        if (choices.names.contains(name))
             return name;
+    }
     const std::string name = option.get_positional() ? option.get_name(true) : std::string();
     const auto says = [words = name + " " + option.get_type_name()](const char* word) {
         return words.find(word) != std::string::npos;
@@ -86,12 +90,12 @@ void writeKinds(const std::vector<Command>& commands, const Choices& choices, st
             const auto names = spellingsOf(*option);
             for (const std::string& name : names)
                 script << "    " << quoted(command.spelled(" ") + ":" + name) << ") echo "
-                       << quoted(kindOf(*option, names, choices)) << " ;;\n";
+                       << quoted(kindOf(command, *option, names, choices)) << " ;;\n";
         }
         int place = 0;
         for (const CLI::Option* const positional : shownPositionals(*command.app))
             script << "    " << quoted(command.spelled(" ") + ":" + std::to_string(place++)) << ") echo "
-                   << quoted(kindOf(*positional, {positional->get_name(true)}, choices)) << " ;;\n";
+                   << quoted(kindOf(command, *positional, {positional->get_name(true)}, choices)) << " ;;\n";
     }
     script << "    esac\n}\n";
 }
@@ -122,12 +126,14 @@ void writeOptions(const std::vector<Command>& commands, std::ostream& script) {
 
 void writeChoices(const Choices& choices, std::ostream& script) {
     script << "_kestrum_choices() {\n    case $1 in\n";
-    for (const auto& [name, values] : choices) {
+    for (const auto& [name, values] : choices.names) {
         script << "    " << quoted(name) << ") printf '%s\\n'";
         for (const std::string& value : values)
             script << " " << quoted(value);
         script << " ;;\n";
     }
+    for (const auto& [name, listing] : choices.listings)
+        script << "    " << quoted(name) << ") " << listing << " ;;\n";
     script << "    esac\n}\n";
 }
 

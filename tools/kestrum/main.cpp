@@ -25,12 +25,20 @@ std::vector<std::string> namesOf(const orvane::kestrum::render::ChoiceTable& tab
     return names;
 }
 
-/// What the shell completes, by the names that options and arguments have in every command.
+/// Prints the names by which "kestrum data use" knows the sets of the machine.
+constexpr const char* listSets =
+    R"bash(find "${KESTRUM_DATA_ROOT:-/opt/Tenmarsh/OrvaneVSTPlugin}/sets" \
+        "${KESTRUM_PACKAGED_SETS:-/usr/share/orvane-kestrum/sets}" \
+        -mindepth 1 -maxdepth 1 -type d ! -name '.*' -printf '%f\n' 2> /dev/null |
+        sed -E 's/-[0-9a-f]{8}(-[0-9]+)?$//' | sort -u)bash";
+
+/// What the shell completes.
 orvane::kestrum::pages::Choices choices() {
     const auto layouts = namesOf(orvane::kestrum::render::layoutChoices());
-    return {{"--layout", layouts},
-            {"LAYOUT", layouts},
-            {"--scene", namesOf(orvane::kestrum::render::sceneChoices())}};
+    return {{{"--layout", layouts},
+             {"LAYOUT", layouts},
+             {"--scene", namesOf(orvane::kestrum::render::sceneChoices())}},
+            {{"kestrum data use NAME", listSets}}};
 }
 
 int run(int argumentCount, char** arguments) {

@@ -3,7 +3,6 @@
 
 #include "data/DataError.h"
 #include "data/DecaySearch.h"
-#include "data/HeadphoneFold.h"
 #include "data/LateReverb.h"
 #include "data/ReportPage.h"
 #include "data/ReverbBuilder.h"
@@ -97,6 +96,7 @@ void setTarget(OwnRoom& room, const RoomRequest& request) {
                                           : 20 * std::log10(room.criticalDistance / room.distance);
         clarity = statisticalClarityDb(direct, middle);
     }
+    room.clarityAsked = !request.directOverRestDb; // a level that was asked for is not bargained with
     room.target = {room.scene.name,
                    static_cast<int>(room.scene.entry),
                    room.description.volumeCubicMetres,
@@ -242,9 +242,6 @@ OwnRoom makeOwnRoom(const RoomRequest& request, const DiffuseHead& head) {
     if (room.measured) {
         noteFile(room);
         makeFromResponse(room, request, head);
-        // What is made of the head carries its headphones already; a file does not.
-        if (const std::optional<Headphones> headphones = headphonesIn(request.data))
-            foldIntoRoom(room.entry, headphones->curve, masterSampleRate);
     } else {
         room.coherence = head.coherence();
         room.entry.ears = lateReverb(room.description, head, heardThroughDecay(room.scene.decayPercent));

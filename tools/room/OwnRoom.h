@@ -41,13 +41,15 @@ struct OwnRoom {
     OctaveTimes wanted{}; ///< T60 as the user's room has it.
     OctaveTimes asked{};  ///< The same as far as the Scene's place holds it.
     RoomDescription description;
-    RoomTarget target; ///< Level to be brought near: clarity, direct sound over all the rest.
+    RoomTarget target;        ///< Level to be brought near: clarity, direct sound over all the rest.
+    bool clarityAsked = true; ///< Else the clarity is that of an even decay at the level that was asked for.
     std::vector<CoherenceBand> coherence; ///< Wanted between the ears.
     ReverbEntry entry;                    ///< At masterSampleRate, its peak 1 until the level is set.
     std::vector<std::string> notes;       ///< What the user ought to know, a sentence each.
 };
 
-/// Makes the room for the head whose responses lie in the request's folder, from parameters or from a response.
+/// Makes the room for a head, from parameters or from a response.
+/// @param head without headphones.
 /// @throws DataError with the remedy for what no room can be made of.
 OwnRoom makeOwnRoom(const RoomRequest& request, const DiffuseHead& head);
 

@@ -3,11 +3,14 @@
 
 #include "data/About.h"
 #include "data/DataError.h"
+#include "data/HeadphoneFold.h"
+#include "data/LateReverb.h"
 #include "data/ReportPage.h"
 #include "data/ReverbCalibration.h"
 #include "data/ReverbCommand.h"
 #include "data/SetStore.h"
 #include "room/OwnRoom.h"
+#include "room/PlainHead.h"
 #include "room/RoomFolder.h"
 #include "room/RoomReport.h"
 
@@ -43,25 +46,42 @@ RoomFacts factsOf(const OwnRoom& room, const RoomRequest& request) {
 }
 
 /// Levels are sought step by step: at the end of the range no better one was found.
-void noteLevel(OwnRoom& room, const SceneFigures& level, const LevelRange& range, bool clarityCounts) {
+void noteLevel(OwnRoom& room, const SceneFigures& level, const LevelRange& range) {
     constexpr double step = 0.1;
-    constexpr double farOffDb = 1;
     const double off = level.directToRestDb - room.target.directToRestDb;
     if (level.levelDb < range.from + step || level.levelDb > range.to - step)
         room.notes.push_back("The level stands at the end of what a response may have (" +
                              fixedText(level.levelDb, 1) + " dB).");
-    if (std::abs(off) > farOffDb)
+    if (std::abs(off) > directToleranceDb)
         room.notes.push_back("The direct sound is " + fixedText(std::abs(off), 1) + " dB too " +
                              (off > 0 ? "strong" : "soft") +
                              " over the rest: the first 50 ms are mostly the Scene's own" +
-                             (clarityCounts ? ", and clarity comes first." : "."));
+                             (room.clarityAsked ? ", and clarity comes first." : "."));
+}
+
+/// Sets the level against the plain head; only then the room gets the headphones that its folder is for, as all the
+/// others there have.
+/// @return the figures at that level, where there are headphones that change them.
+std::optional<SceneFigures> setLevel(OwnRoom& room, const PlainHead& plain) {
+    const LevelRange range = ownRoomLevelRange(room.scene.room);
+    const SceneFigures level =
+        calibrateLevel(room.entry, room.target, range, room.clarityAsked, plain.folder);
+    noteLevel(room, level, range);
+    if (!plain.headphones)
+        return std::nullopt;
+    foldIntoRoom(room.entry, plain.headphones->curve, masterSampleRate);
+    return level;
+}
+
+void requireSensible(const RoomRequest& request) {
+    if (request.out.empty() == request.name.empty())
+        throw DataError("Say where the room goes: name either a new folder, or a set with --name.");
+    if (!request.report.empty())
+        requireGnuplot();
 }
 
 /// Where the new data goes, looked at before any long work: a set of its own name, or nothing for a folder.
 std::optional<StagedSet> requirePlace(const RoomRequest& request, const SetStore& store) {
-    if (request.out.empty() == request.name.empty())
-        throw DataError("Say where the room goes: name either a new folder, or a set with --name.");
-    requireSource(request.data);
     if (request.name.empty()) {
         requireFree(request.out);
         return std::nullopt;
@@ -70,37 +90,42 @@ std::optional<StagedSet> requirePlace(const RoomRequest& request, const SetStore
     return store.stage();
 }
 
+void writeReport(const OwnRoom& room, const RoomFindings& findings, const std::filesystem::path& folder,
+                 std::ostream& out) {
+    writeRoomReport(room, findings, folder);
+    out << "Report: " << (folder / "index.html").string() << "\n";
+}
+
 } // namespace
 
 void runRoom(const RoomRequest& request, std::ostream& out) {
     const SetStore store = SetStore::ofThisMachine();
+    requireSensible(request);
+    const std::filesystem::path source = requireSource(request.data.empty() ? store.link() : request.data);
     std::optional<StagedSet> staged = requirePlace(request, store);
+    const PlainHead plain = plainHeadOf(source, store);
     const std::filesystem::path folder = staged ? staged->folder() : request.out;
-    const DiffuseHead head(readMasterHead(request.data));
+    const DiffuseHead head(readMasterHead(plain.folder));
     OwnRoom room = makeOwnRoom(request, head);
-    const LevelRange range = ownRoomLevelRange(room.scene.room);
-    const bool clarityCounts = !request.directOverRestDb; // a level that was asked for is not bargained with
-    const SceneFigures level = calibrateLevel(room.entry, room.target, range, clarityCounts, request.data);
-    noteLevel(room, level, range, clarityCounts);
+    const std::optional<SceneFigures> plainLevel = setLevel(room, plain);
     if (staged)
-        fillRoomFolder(request.data, folder, room.entry, factsOf(room, request));
+        fillRoomFolder(source, folder, room.entry, factsOf(room, request));
     else
-        writeRoomFolder(request.data, folder, room.entry, factsOf(room, request));
-    const RoomFindings findings = findRoom(room, level, head, folder);
+        writeRoomFolder(source, folder, room.entry, factsOf(room, request));
+    const RoomFindings findings = findRoom(room, plainLevel, head, folder);
     tellRoom(room, findings, out);
-    if (!request.report.empty()) {
-        writeRoomReport(room, findings, request.report);
-        out << "Report: " << (request.report / "index.html").string() << "\n";
-    }
     const std::string missed = findings.missed(room);
     const std::string verdict = missed.empty() ? "all met" : "not met: " + missed;
-    if (!staged) {
+    // The report comes last: should it fail, the room is there.
+    if (staged) {
+        const std::filesystem::path set = store.publish(std::move(*staged), request.name);
+        out << "Wrote the set \"" << request.name << "\" in \"" << set.string() << "\": " << verdict
+            << ". Let the plug-in read it with \"kestrum data use " << request.name << "\".\n";
+    } else {
         out << "Wrote \"" << folder.string() << "\": " << verdict << ".\n";
-        return;
     }
-    const std::filesystem::path set = store.publish(std::move(*staged), request.name);
-    out << "Wrote the set \"" << request.name << "\" in \"" << set.string() << "\": " << verdict
-        << ". Let the plug-in read it with \"kestrum data use " << request.name << "\".\n";
+    if (!request.report.empty())
+        writeReport(room, findings, request.report, out);
 }
 
 void addRoomCommand(CLI::App& program, std::ostream& out) {
@@ -114,7 +139,8 @@ void addRoomCommand(CLI::App& program, std::ostream& out) {
     command->add_option("OUT", request->out, "Folder to make; must not hold anything yet")->type_name("");
     add("Folders", "--name", request->name, "NAME",
         "Make a set of that name among the machine's, in place of OUT");
-    add("Folders", "--data", request->data, "DIR", "Data folder to begin with")->capture_default_str();
+    add("Folders", "--data", request->data, "DIR",
+        "Data folder to begin with; default: the one that the plug-in reads");
     add("Folders", "--report", request->report, "DIR", "Folder for a page with plots (needs gnuplot)");
     add("Folders", "--scene", request->scene, "NAME", "Scene that is to play the room")->required();
     add("Room from figures", "--t60", request->t60, "S[,S...]",

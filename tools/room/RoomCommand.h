@@ -16,8 +16,8 @@ namespace orvane::kestrum::tools {
 void addRoomCommand(CLI::App& program, std::ostream& out);
 void addRoomCommand(CLI::App& program); ///< Speaks on the standard output.
 
-/// Makes the new folder, and the report where one is wanted.
-/// @throws DataError with the remedy; nothing is left behind then.
+/// Makes the new folder, and then the report where one is wanted.
+/// @throws DataError with the remedy; nothing is left behind then, but for the new folder where its report alone failed.
 void runRoom(const RoomRequest& request, std::ostream& out);
 
 } // namespace orvane::kestrum::tools

@@ -5,9 +5,10 @@
 #include "data/DataError.h"
 #include "data/FolderCheck.h"
 #include "data/ReverbBuilder.h"
+#include "room/FolderInTheMaking.h"
 
 #include <algorithm>
-#include <cstdlib>
+#include <string>
 #include <system_error>
 
 namespace orvane::kestrum::tools {
@@ -15,47 +16,6 @@ namespace orvane::kestrum::tools {
 namespace {
 
 namespace fs = std::filesystem;
-
-/// A folder beside its place, gone with all its files unless it is put there.
-class FolderInTheMaking {
-public:
-    explicit FolderInTheMaking(const fs::path& place) : target(fs::absolute(place).lexically_normal()) {
-        if (!target.has_filename()) // "my-room/"
-            target = target.parent_path();
-        std::error_code failure;
-        fs::create_directories(target.parent_path(), failure);
-        std::string name = target.string() + ".part-XXXXXX";
-        if (failure || mkdtemp(name.data()) == nullptr)
-            refuse();
-        path = name;
-        fs::permissions(path, fs::perms(0755), failure); // as any new folder: the plug-in's host reads it
-    }
-    ~FolderInTheMaking() {
-        std::error_code ignored;
-        if (!path.empty())
-            fs::remove_all(path, ignored);
-    }
-    FolderInTheMaking(const FolderInTheMaking&) = delete;
-    FolderInTheMaking& operator=(const FolderInTheMaking&) = delete;
-
-    void finish() {
-        std::error_code failure;
-        fs::rename(path, target, failure); // an empty folder gives way
-        if (failure)
-            refuse();
-        path.clear();
-    }
-
-    [[noreturn]] void refuse() const {
-        throw DataError("The folder \"" + target.string() +
-                        "\" cannot be made: name one where you may write, with room for 70 MB.");
-    }
-
-    fs::path path;
-
-private:
-    fs::path target;
-};
 
 void copyFiles(const fs::path& data, const fs::path& folder) {
     for (const fs::directory_entry& file : fs::directory_iterator(data)) {
@@ -68,17 +28,29 @@ void copyFiles(const fs::path& data, const fs::path& folder) {
     }
 }
 
+/// What was made is read back, before anybody can meet it under its name.
+void requireSoundResult(const fs::path& folder) {
+    for (const FileVerdict& verdict : checkDataFolder(folder))
+        if (!verdict.sound)
+            throw DataError("Nothing is made, as " + verdict.name + " would not be sound, " +
+                            verdict.finding +
+                            ": ask for another room or level, and look at the folder that you begin with "
+                            "by \"kestrum data check\".");
+}
+
 } // namespace
 
-void requireSource(const fs::path& data) {
+fs::path requireSource(const fs::path& data) {
     if (!fs::is_directory(data))
         throw DataError(
             "\"" + data.string() +
             "\" is no folder: name a data folder with --data, or make one with scripts/install-data.");
-    for (const FileVerdict& verdict : checkDataFolder(data))
+    const fs::path folder = fs::canonical(data);
+    for (const FileVerdict& verdict : checkDataFolder(folder))
         if (!verdict.sound)
-            throw DataError("\"" + (data / verdict.name).string() + "\" cannot serve, " + verdict.finding +
+            throw DataError("\"" + (folder / verdict.name).string() + "\" cannot serve, " + verdict.finding +
                             ": " + verdict.remedy);
+    return folder;
 }
 
 void requireFree(const fs::path& out) {
@@ -100,12 +72,13 @@ void fillRoomFolder(const fs::path& data, const fs::path& folder, const ReverbEn
         writeReverbSet(set, folder);
     }
     writeAbout(about, folder);
+    requireSoundResult(folder);
 }
 
 void writeRoomFolder(const fs::path& data, const fs::path& out, const ReverbEntry& room,
                      const RoomFacts& facts) {
     FolderInTheMaking folder(out);
-    fillRoomFolder(data, folder.path, room, facts);
+    fillRoomFolder(data, folder.folder(), room, facts);
     folder.finish();
 }
 

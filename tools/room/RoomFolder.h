@@ -11,8 +11,10 @@
 namespace orvane::kestrum::tools {
 
 /// A data folder that a new one can be made of, looked at before any work is done.
+/// @return the folder itself, whichever links lead to it: who goes on with it does not meet another set when the link is
+///         changed meanwhile.
 /// @throws DataError with the remedy when `data` is missing or not sound.
-void requireSource(const std::filesystem::path& data);
+std::filesystem::path requireSource(const std::filesystem::path& data);
 
 /// A place for a new folder.
 /// @throws DataError when there is something already.
@@ -22,13 +24,13 @@ void requireFree(const std::filesystem::path& out);
 using RoomFacts = std::vector<std::pair<std::string, std::string>>;
 
 /// Fills an empty folder: a copy of every file of another, one room's response replaced at all three rates.
-/// @param room at masterSampleRate, at its level.
-/// @throws DataError when the folder cannot be written.
+/// @param room at masterSampleRate, at its level, with the headphones that the other folder has.
+/// @throws DataError when the folder cannot be written, or what is made of this room would not be sound.
 void fillRoomFolder(const std::filesystem::path& data, const std::filesystem::path& folder,
                     const ReverbEntry& room, const RoomFacts& facts);
 
 /// Makes such a folder, beside its place, and renames it, so that half a folder is never met.
-/// @throws DataError when the folder cannot be written; nothing is left of it then.
+/// @throws DataError as above; nothing is left of it then, nor when the program is ended meanwhile.
 void writeRoomFolder(const std::filesystem::path& data, const std::filesystem::path& out,
                      const ReverbEntry& room, const RoomFacts& facts);
 

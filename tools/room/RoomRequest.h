@@ -8,12 +8,9 @@
 
 namespace orvane::kestrum::tools {
 
-/// Where the plug-in's own data is installed.
-inline constexpr const char* installedDataFolder = "/opt/Tenmarsh/OrvaneVSTPlugin/data";
-
 /// What "kestrum room" was asked for. Exactly one of `t60` and `response` is given.
 struct RoomRequest {
-    std::filesystem::path data = installedDataFolder; ///< Head and rooms to begin with; only read.
+    std::filesystem::path data;     ///< Head and rooms to begin with; only read. Empty for the plug-in's own.
     std::filesystem::path out;      ///< The new folder; must not hold anything yet. Or none:
     std::string name;               ///< of a new set among the machine's, in place of a folder.
     std::filesystem::path report;   ///< Empty for no report.

@@ -57,6 +57,10 @@ double Walls::surface() const {
 RoomBox roomBox(std::optional<double> volume, const std::vector<double>& walls) {
     constexpr double least = 1;
     constexpr double most = 1e6;
+    if (volume && !walls.empty())
+        throw DataError(
+            "The room's size is told twice: give either --volume or --walls, whose distances make a "
+            "volume already.");
     RoomBox box;
     if (!walls.empty()) {
         box.walls = wallsFrom(walls);
@@ -100,11 +104,11 @@ void requirePossible(const RoomBox& box, const OctaveTimes& t60) {
     constexpr double most = 0.97;
     for (std::size_t octave = 0; octave < t60.size(); ++octave)
         if (meanAbsorption(box, t60[octave]) > most)
-            throw DataError(
-                "No room of " + fixedText(box.volume, 0) + " m3 decays within " + fixedText(t60[octave], 2) +
-                " s at " + shortest(roomOctavesHz[octave]) +
-                " Hz, as its walls would have to swallow everything: give a longer --t60 or a smaller "
-                "--volume.");
+            throw DataError("No room of " + fixedText(box.volume, 0) + " m3 decays within " +
+                            fixedText(t60[octave], 2) + " s at " + shortest(roomOctavesHz[octave]) +
+                            " Hz, as its walls would have to swallow everything: give " +
+                            (box.walls ? "shorter distances with --walls" : "a smaller --volume") +
+                            " or a longer T60.");
 }
 
 double defaultDistance(const RoomBox& box) {
@@ -144,10 +148,15 @@ double firstReflectionMs(const RoomBox& box, double distance) {
     constexpr double shareOfSide = 0.37;
     double detour = shareOfSide * std::cbrt(box.volume);
     if (box.walls) {
+        // The loudspeaker mirrored in each side; of the two, the nearer one.
         const Walls& walls = *box.walls;
-        detour = std::min(2 * walls.back, 2 * (walls.front - distance * cosine()));
-        for (const double side : {walls.left, walls.right, walls.ceiling})
-            detour = std::min(detour, std::hypot(distance, 2 * side) - distance);
+        const double aside = distance * sine();
+        const double ahead = distance * cosine();
+        const double path =
+            std::min({std::hypot(aside, 2 * walls.front - ahead), std::hypot(aside, 2 * walls.back + ahead),
+                      std::hypot(2 * std::min(walls.left, walls.right) - aside, ahead),
+                      std::hypot(distance, 2 * walls.ceiling)});
+        detour = path - distance;
     }
     return std::clamp(1000 * detour / speedOfSound, least, most);
 }

@@ -36,9 +36,9 @@ struct RoomBox {
     std::optional<Walls> walls; ///< Where they were told.
 };
 
-/// @param volume none to take that of the walls.
+/// @param volume none where walls are told: they have theirs.
 /// @param walls six, or none; then the room's sides are taken as 1 to 1.26 to 1.59.
-/// @throws DataError for a size that no room has.
+/// @throws DataError for a size that no room has, or that is told in both ways.
 RoomBox roomBox(std::optional<double> volume, const std::vector<double>& walls);
 
 /// @param given one for the middle, which bass and treble follow as they do in the plug-in's own rooms, or seven.
@@ -66,8 +66,8 @@ double criticalDistance(const RoomBox& box, double t60, double directivityDb);
 /// Source  M. Barron and L.-J. Lee, "Energy relations in concert auditoriums", JASA 84, 1988, without the distance's share.
 double statisticalClarityDb(double directOverRestDb, double t60);
 
-/// From the direct sound to the first reflection off walls or ceiling, in milliseconds; by the volume alone where no walls
-/// were told. The floor's comes sooner, but the plug-in draws it itself.
+/// From the direct sound of a stereo pair, 30 degrees to either side, to its first reflection off walls or ceiling, in
+/// milliseconds; by the volume alone where no walls were told. The floor's comes sooner, but the plug-in draws it itself.
 double firstReflectionMs(const RoomBox& box, double distance);
 
 /// From here on single reflections are not heard any more, in milliseconds.
