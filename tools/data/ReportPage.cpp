@@ -17,6 +17,10 @@ namespace orvane::kestrum::tools {
 
 namespace {
 
+[[noreturn]] void refuseWithoutGnuplot() {
+    throw DataError("The plots cannot be drawn without gnuplot: install the package gnuplot-nox.");
+}
+
 [[noreturn]] void refuseFolder(const std::filesystem::path& folder) {
     throw DataError("The report cannot be written to \"" + folder.string() +
                     "\": give a folder that you may write to.");
@@ -42,6 +46,11 @@ void PlotTable::row(std::span<const double> values) {
     stream << "\n";
 }
 
+void requireGnuplot() {
+    if (std::system("command -v gnuplot > /dev/null") != 0)
+        refuseWithoutGnuplot();
+}
+
 void drawPlots(std::span<const Plot> plots, const std::filesystem::path& folder) {
     {
         std::ofstream script(folder / "plots.gnuplot");
@@ -60,7 +69,7 @@ void drawPlots(std::span<const Plot> plots, const std::filesystem::path& folder)
     const int result = std::system(("cd '" + quoted + "' && gnuplot plots.gnuplot").c_str());
     constexpr int commandNotFound = 127; // of the POSIX shell
     if (WIFEXITED(result) && WEXITSTATUS(result) == commandNotFound)
-        throw DataError("The plots cannot be drawn without gnuplot: install the package gnuplot-nox.");
+        refuseWithoutGnuplot();
     if (result != 0)
         throw DataError("The plots cannot be drawn: gnuplot failed on \"" +
                         (folder / "plots.gnuplot").string() +

@@ -44,6 +44,9 @@ inline constexpr std::string_view vermilion = "#d55e00";
 inline constexpr std::string_view grey = "#999999";
 } // namespace colours
 
+/// @throws DataError when gnuplot is not installed: to be asked before long work whose end is a report.
+void requireGnuplot();
+
 /// Draws every plot as "<name>.svg" in the folder of its tables. The script stays there.
 /// @throws DataError when gnuplot is missing or fails.
 void drawPlots(std::span<const Plot> plots, const std::filesystem::path& folder);
