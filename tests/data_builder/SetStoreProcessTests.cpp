@@ -172,7 +172,7 @@ TEST_F(SetStores, MayBeWorkedOnBySeveralProgramsAtATime) {
         for (int round = 0; round < rounds; ++round) {
             const fs::path made = publishText("mine", who + std::to_string(round));
             try {
-                store.use(store.find(made.filename()));
+                store.use({"mine", made, false, false});
             } catch (const DataError&) {
                 if (fs::exists(made))
                     return 1;

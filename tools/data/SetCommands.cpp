@@ -98,10 +98,10 @@ void runUse(const std::string& name, const SetStore& store, std::ostream& out) {
         << "\"; restart hosts that run.\n";
     for (const FileVerdict& verdict : verdicts)
         if (verdict.outdated)
-            out << "Note: " << verdict.finding << "; it will do. To have it of this version, "
-                << verdict.remedy << "\n";
+            out << "Note: " << verdict.finding << "; it will do until you make the set anew.\n";
     if (before != nullptr) {
-        const bool known = !before->packaged && store.find(before->name).folder == before->folder;
+        const std::vector<InstalledSet> ofName = store.madeHere(before->name);
+        const bool known = !ofName.empty() && ofName.front().folder == before->folder;
         out << "Back to the set before: kestrum data use " << (known ? before->name : before->folder.string())
             << "\n";
     }
