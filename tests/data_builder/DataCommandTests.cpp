@@ -171,7 +171,7 @@ TEST(CheckCommand, NamesEveryMissingFileAndTheRemedy) {
 TEST(ReportCommand, RefusesWhatIsNoFolderOrHoldsNoHead) {
     const test::TemporaryFolder folder;
     EXPECT_THAT(run("data report /none " + folder.path()),
-                AllOf(HasSubstr("refused: \"/none\" is no folder"), HasSubstr("install-data")));
+                AllOf(HasSubstr("refused: \"/none\" is no folder"), HasSubstr("kestrum doctor")));
     EXPECT_THAT(run("data report " + folder.path() + " " + folder.file("out")),
                 HasSubstr("holds no responses of a head"));
 }

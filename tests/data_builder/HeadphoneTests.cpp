@@ -2,6 +2,7 @@
 #include "data/DataError.h"
 #include "data/Figures.h"
 #include "data/HeadphoneFold.h"
+#include "data/HeadphoneReport.h"
 #include "data/ParametricEq.h"
 
 #include "CompleteFolder.h"
@@ -14,11 +15,14 @@
 #include <fstream>
 #include <limits>
 #include <random>
+#include <sstream>
 #include <string>
+#include <vector>
 
 using namespace orvane::kestrum::tools;
 using ::testing::AllOf;
 using ::testing::HasSubstr;
+using ::testing::Not;
 
 namespace {
 
@@ -113,8 +117,11 @@ class HeadphoneFiles : public ::testing::Test {
 protected:
     std::string refusalOf(const std::string& content) const {
         std::ofstream(folder.file("file"), std::ios::binary) << content;
+        return refusalOfFile(folder.file("file"));
+    }
+    static std::string refusalOfFile(const std::string& file) {
         try {
-            readHeadphones(folder.file("file"));
+            readHeadphones(file);
         } catch (const DataError& error) {
             return error.what();
         }
@@ -142,6 +149,8 @@ TEST_F(HeadphoneFiles, OfNoUseAreRefusedByNameWithTheReason) {
     EXPECT_THAT(refusalOf(wave({1, std::numeric_limits<float>::quiet_NaN()}, {.channels = 1})),
                 HasSubstr("samples that are no numbers"));
     EXPECT_THROW(readHeadphones("/none.txt"), DataError);
+    EXPECT_THAT(refusalOfFile(folder.path()), HasSubstr("is no plain file"));
+    EXPECT_THAT(refusalOfFile("/dev/null"), HasSubstr("is no plain file"));
     EXPECT_EQ(refusalOf(wave(impulse, {.channels = 1})), "accepted");
     EXPECT_EQ(refusalOf(typicalText), "accepted");
 }
@@ -190,6 +199,53 @@ TEST(FoldedHeads, FollowAsFarAsTheirLengthReachesAndSaySo) {
     EXPECT_LT(narrow[1].missedDb(), -3); // round 40 Hz
     EXPECT_GT(followsFromHz(narrow), 40);
     EXPECT_LT(followsFromHz(narrow), 200);
+}
+
+/// Known of such heads: a lot of bass asked for in a narrow range leaves traces above it. Where a head follows from depends on
+/// what is asked.
+TEST(FoldedHeads, FollowLessFarDownTheMoreIsAskedForInTheBass) {
+    const auto followsFrom = [](const std::string& text) {
+        ResponseSet set = test::syntheticHeadFor(responseFiles[0]);
+        return followsFromHz(foldIntoHead(set, curveOf(text)));
+    };
+    const double flat = followsFrom("Preamp: -3 dB");
+    const double boosted = followsFrom("Filter 1: ON LSC Fc 90 Hz Gain 9 dB Q 0.7\n"
+                                       "Filter 2: ON PK Fc 50 Hz Gain 3 dB Q 1.5\n");
+    EXPECT_NEAR(flat, 31.25, 0.1);
+    EXPECT_GT(boosted, 200);
+    EXPECT_LT(boosted, 1000);
+}
+
+class FoldAccounts : public ::testing::Test {
+protected:
+    static std::string told(const std::string& text, const FoldReport& report) {
+        std::ostringstream out;
+        tellFold({curveOf(text), "mine.txt", {}, "headphones.txt", "a text"}, report, out);
+        return out.str();
+    }
+    /// Bands of all three files, the lowest of them missed by so much.
+    static FoldReport reportOf(double missedDb) {
+        FoldReport report;
+        for (std::vector<FollowedBand>& bands : report.heads)
+            bands = {{31.25, -3, -3 + missedDb, 0.1}, {39.4, -3, -3, 0.1}};
+        return report;
+    }
+};
+
+TEST_F(FoldAccounts, SpeakOfShortResponsesOnlyWhereABandIsMissed) {
+    EXPECT_THAT(told("Preamp: -3 dB", reportOf(0)),
+                AllOf(HasSubstr("follows to 1 dB in every band"), Not(HasSubstr("too short"))));
+    EXPECT_THAT(told("Preamp: -3 dB", reportOf(2)),
+                AllOf(HasSubstr("follows to 1 dB from 39 Hz up at 44.1 kHz"), HasSubstr("too short")));
+}
+
+/// A narrow dip between the middles of two third octaves, 63 and 79 Hz.
+TEST_F(FoldAccounts, TellOfLimitsThatAreReachedBetweenThirdOctaves) {
+    const std::string narrow = "Filter 1: ON PK Fc 70 Hz Gain 16 dB Q 20";
+    ASSERT_TRUE(curveOf(narrow).bounded());
+    EXPECT_THAT(told(narrow, reportOf(0)),
+                AllOf(HasSubstr("Limited to +12 dB"), HasSubstr("70 Hz (+15.5 asked")));
+    EXPECT_THAT(told(typicalText, reportOf(0)), Not(HasSubstr("Limited")));
 }
 
 /// Property: even the shortest room, a car's tenth of a second, is long enough for what is usually asked in the bass.

@@ -69,8 +69,43 @@ TEST(EqualiserTexts, MayHaveCommentsOtherUnitsAndDecimalCommas) {
     EXPECT_EQ(eq.preampDb, -3.5);
     EXPECT_EQ(eq.filters[0].frequencyHz, 1200);
     EXPECT_EQ(eq.filters[0].gainDb, 2.25);
-    EXPECT_NEAR(eq.filters[0].q, std::sqrt(2.0), 1e-12); // an octave
+    EXPECT_NEAR(eq.filters[0].q, 1.4081738, 1e-6);       // an octave, at 48 kHz
     EXPECT_NEAR(eq.filters[1].q, std::sqrt(0.5), 1e-12); // the full slope of a second order
+}
+
+/// Known: 1 / (2 sinh(ln 2 / 2 * octaves * w / sin w)) with w the frequency's angle at 48 kHz, reckoned apart. Far below the Nyquist
+/// frequency an octave is the analogue filter's, the root of 2.
+TEST(EqualiserTexts, GiveABandwidthTheQThatADigitalFilterNeeds) {
+    const auto qOf = [](const std::string& hertz, const std::string& octaves) {
+        return parseParametricEq("Filter 1: ON PK Fc " + hertz + " Hz Gain 6 dB BW Oct " + octaves)
+            .filters[0]
+            .q;
+    };
+    EXPECT_NEAR(qOf("20", "1"), std::sqrt(2.0), 1e-5);
+    EXPECT_NEAR(qOf("100", "1"), 1.4141716, 1e-6);
+    EXPECT_NEAR(qOf("1000", "1"), 1.4100178, 1e-6);
+    EXPECT_NEAR(qOf("5000", "1"), 1.3113227, 1e-6);
+    EXPECT_NEAR(qOf("10000", "1"), 1.0264288, 1e-6);
+    EXPECT_NEAR(qOf("15000", "1"), 0.6211226, 1e-6);
+    EXPECT_NEAR(qOf("10000", "0.5"), 2.1097225, 1e-6);
+    EXPECT_NEAR(qOf("10000", "2"), 0.4613843, 1e-6);
+    EXPECT_THAT(refusalOf("Filter 1: ON PK Fc 23400 Hz Gain 6 dB BW Oct 2"),
+                HasSubstr("a bandwidth at this frequency that no headphones need"));
+}
+
+/// A file of another kind under the right name must neither fill a terminal nor steer it.
+TEST(EqualiserTexts, AreQuotedInRefusalsAsFarAsATerminalCanShowThem) {
+    const std::string steering = "Filter 1: ON \x1b[2J\x07\xc2\x9b" + std::string(12000, 'x');
+    for (const std::string& text :
+         {steering, "Filter 1: ON PK Fc 100 Hz Gain 1 dB Q 1 " + steering.substr(13),
+          "Preamp: -3 dB " + steering.substr(13), "Preamp: -3\n" + steering}) {
+        const std::string refusal = refusalOf(text);
+        EXPECT_LT(refusal.size(), 400u) << refusal;
+        EXPECT_THAT(refusal, HasSubstr("..."));
+        for (const char letter : refusal)
+            EXPECT_TRUE(letter >= 0x20 && letter < 0x7f) << refusal;
+    }
+    EXPECT_THAT(refusalOf("Filter 1: ON K\xc3\xb6pf"), HasSubstr("\"Filter 1: ON K?pf\""));
 }
 
 struct Nonsense {

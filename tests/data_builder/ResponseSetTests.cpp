@@ -248,8 +248,26 @@ TEST(DataFolders, SayByWhichMethodsTheyWereMade) {
     EXPECT_THAT(verdictOf(head + R"(, "rooms": {"method": 1000000}})").finding, HasSubstr("another version"));
     EXPECT_THAT(verdictOf(head + R"(, "rooms": {"method": 1000000}})").remedy,
                 HasSubstr("kestrum data reverb"));
+    EXPECT_TRUE(verdictOf(head + R"(, "rooms": {"method": 1000000}})").outdated);
+    EXPECT_TRUE(verdictOf(R"({"method": 1000000, "rooms": {"method": 1}})").outdated);
+    EXPECT_FALSE(verdictOf(head + "}").outdated) << "nobody knows how the rooms were made";
     writeAbout(head + "}", folder.path());
     EXPECT_TRUE(verdictOf(aboutWithReverb(folder.path())).sound);
+}
+
+/// "kestrum data reverb" refuses a head with headphones folded in, and makes no room of a user's own.
+TEST(DataFolders, AreMendedByACommandThatDoesNotRefuseThem) {
+    const test::TemporaryFolder folder;
+    const auto remedyWith = [&](const std::string& about) {
+        writeAbout(about, folder.path());
+        return checkReverbFile(reverbFiles[0], folder.path()).remedy;
+    };
+    EXPECT_THAT(remedyWith(R"({"method": 1})"), HasSubstr("kestrum data reverb"));
+    EXPECT_THAT(remedyWith(R"({"method": 1, "rooms": {"own": [{"room": 19}]}})"), HasSubstr("kestrum room"));
+    const std::string folded = R"({"method": 1, "headphones": {"file": "eq.txt"}})";
+    EXPECT_THAT(remedyWith(folded), HasSubstr("--headphone-eq"));
+    EXPECT_THAT(checkResponseFile(responseFiles[0], folder.path()).remedy, HasSubstr("--headphone-eq"));
+    EXPECT_THAT(checkAbout(folder.path()).remedy, HasSubstr("--headphone-eq"));
 }
 
 } // namespace

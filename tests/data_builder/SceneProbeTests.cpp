@@ -124,7 +124,7 @@ TEST(SceneProbes, RefuseWhatTheyCannotRenderWithARemedy) {
     const test::TemporaryFolder empty;
     EXPECT_THAT(
         refusal([&] { SceneProbe unused(empty.path()); }),
-        AllOf(HasSubstr("responses of the head"), HasSubstr(empty.path()), HasSubstr("install-data")));
+        AllOf(HasSubstr("responses of the head"), HasSubstr(empty.path()), HasSubstr("kestrum doctor")));
     const test::TemporaryFolder headOnly;
     test::writeSyntheticHead(headOnly.path());
     EXPECT_THAT(refusal([&] { SceneProbe(headOnly.path()).respond("Mix Room"); }),

@@ -14,9 +14,11 @@
 #include <sys/resource.h>
 
 #include <csignal>
+#include <cstdlib>
 #include <fstream>
 #include <sstream>
 #include <string>
+#include <vector>
 
 using namespace orvane::kestrum::tools;
 using ::testing::AllOf;
@@ -63,12 +65,13 @@ protected:
         const std::string sofa = folder.file("mine.sofa");
         return aboutWithRooms(aboutText(sofa, readSofa(sofa).origin));
     }
-    std::string make(const std::string& name) const {
+    std::string make(const std::string& name, const std::string& report = {}) const {
         std::ostringstream out;
         HrirRequest request;
         request.sofa = folder.file("mine.sofa");
         request.name = name;
         request.headphoneEq = folder.file("mine.txt");
+        request.report = report;
         try {
             runSet(request, store, out);
         } catch (const DataError& error) {
@@ -118,6 +121,65 @@ TEST_F(SetsWithHeadphones, AreMadeAnewWithAnotherCorrectionAndKeepForeignFiles) 
     EXPECT_NE(first, second);
     EXPECT_EQ(test::readBytes(second / "notes.txt"), "mine");
     EXPECT_TRUE(store.find(first.filename()).used);
+}
+
+/// One correction, another, and the first again: what was asked for last is what "use" takes.
+TEST_F(SetsWithHeadphones, AreTheLatestAgainWhenTheyWereMadeBefore) {
+    const std::string one = "Preamp: -3 dB\n";
+    const std::string other = "Preamp: -4 dB\n";
+    writeEq(one);
+    make("mine");
+    const fs::path first = store.find("mine").folder;
+    store.use(store.find("mine"));
+    writeEq(other);
+    make("mine");
+    store.use(store.find("mine"));
+    EXPECT_NE(store.find("mine").folder, first);
+    writeEq(one);
+    EXPECT_THAT(make("mine"), AllOf(HasSubstr("was made like this before"), HasSubstr(first.string()),
+                                    HasSubstr("kestrum data use mine")));
+    EXPECT_EQ(store.find("mine").folder, first);
+    EXPECT_FALSE(store.find("mine").used);
+    store.use(store.find("mine"));
+    EXPECT_EQ(test::readBytes(store.link() / "headphones.txt"), one);
+    EXPECT_THAT(make("mine"), HasSubstr("is up to date"));
+    EXPECT_EQ(folderCount(), 3u);
+}
+
+TEST_F(SetsWithHeadphones, SayWhichOlderOnesOfTheirNameAreRemoved) {
+    std::string told;
+    std::vector<fs::path> made;
+    for (const char* const eq : {"Preamp: -1 dB\n", "Preamp: -2 dB\n", "Preamp: -3 dB\n"}) {
+        writeEq(eq);
+        told = make("mine");
+        made.push_back(store.find("mine").folder);
+    }
+    EXPECT_THAT(told, HasSubstr("Removed \"" + made[0].string() + "\": the latest two sets of a name"));
+    EXPECT_FALSE(fs::exists(made[0]));
+    EXPECT_TRUE(fs::exists(made[1]) && fs::exists(made[2]));
+    EXPECT_TRUE(store.find("plain").used);
+}
+
+/// A church that was measured once, and a head by the same name.
+TEST_F(SetsWithHeadphones, DoNotTakeTheNameOfARoomOfOnesOwn) {
+    StagedSet staged = store.stage();
+    writeAbout(plainAbout(), staged.folder());
+    writeAbout(aboutWithOwnRoom(staged.folder(), 19, {{"scene", "a church"}}), staged.folder());
+    const fs::path church = store.publish(std::move(staged), "church");
+    EXPECT_THAT(make("church"), HasSubstr("refused: The name \"church\" belongs to a set with a room"));
+    EXPECT_TRUE(fs::exists(church));
+    EXPECT_EQ(folderCount(), 2u);
+}
+
+/// Half a minute's work would be for nothing.
+TEST_F(SetsWithHeadphones, AreNotBegunWithAReportThatNobodyCanDraw) {
+    const std::string path = std::getenv("PATH");
+    setenv("PATH", folder.path().c_str(), 1);
+    const std::string told = make("closed", folder.file("report"));
+    setenv("PATH", path.c_str(), 1);
+    EXPECT_THAT(told, AllOf(HasSubstr("refused: "), HasSubstr("install the package gnuplot-nox")));
+    EXPECT_EQ(told.find("Source:"), std::string::npos);
+    EXPECT_FALSE(fs::exists(folder.file("report")));
 }
 
 TEST_F(SetsWithHeadphones, AreMadeAnewWhenDamaged) {

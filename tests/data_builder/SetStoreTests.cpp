@@ -1,24 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "data/About.h"
-#include "data/DataError.h"
-#include "data/SetCommands.h"
-#include "data/SetStore.h"
+#include "SetStoreFixture.h"
 
-#include "CompleteFolder.h"
-
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-#include <sys/ptrace.h>
-#include <sys/wait.h>
-#include <unistd.h>
-
+#include <algorithm>
 #include <chrono>
-#include <csignal>
-#include <filesystem>
-#include <fstream>
-#include <sstream>
-#include <string>
+#include <vector>
 
 using namespace orvane::kestrum::tools;
 using ::testing::AllOf;
@@ -29,39 +14,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-class SetStores : public ::testing::Test {
-protected:
-    /// A set that is only a folder with a text.
-    fs::path publishText(const std::string& name, const std::string& text) const {
-        StagedSet staged = store.stage();
-        std::ofstream(staged.folder() / "about.json") << text;
-        return store.publish(std::move(staged), name);
-    }
-    fs::path publishComplete(const std::string& name) const {
-        StagedSet staged = store.stage();
-        test::writeCompleteSet(staged.folder(), test::syntheticAbout());
-        return store.publish(std::move(staged), name);
-    }
-    std::string linkText() const { return fs::read_symlink(store.link()).string(); }
-    std::string told(const std::function<void(std::ostream&)>& work) const {
-        std::ostringstream out;
-        try {
-            work(out);
-        } catch (const DataError& error) {
-            return std::string("refused: ") + error.what();
-        }
-        return out.str();
-    }
-    std::string use(const std::string& name) const {
-        return told([&](std::ostream& out) { runUse(name, store, out); });
-    }
-    std::string list() const {
-        return told([&](std::ostream& out) { runList(store, out); });
-    }
-
-    test::TemporaryFolder folder;
-    const SetStore store{folder.file("root"), folder.file("packages")};
-};
+using test::SetStores;
 
 TEST_F(SetStores, GiveSetsTheirNameAndTheDigitsOfTheirText) {
     const fs::path set = publishText("mine", "one");
@@ -87,20 +40,57 @@ TEST_F(SetStores, MakeTheLinkLeadToASetAndKeepTheOneBefore) {
     EXPECT_FALSE(store.find("one").used);
 }
 
-/// The set in use stays when its name is made anew, and the one before that goes.
-TEST_F(SetStores, KeepTheUsedSetOfANameAndTheLatest) {
+TEST_F(SetStores, TakeTheSetThatWasMadeLastForTheLatestOfItsName) {
     const fs::path first = publishText("mine", "1");
-    store.use(store.find("mine"));
-    const fs::path second = publishText("mine", "2");
-    EXPECT_TRUE(fs::exists(first));
-    fs::last_write_time(second / "about.json",
-                        fs::last_write_time(first / "about.json") + std::chrono::seconds(1));
+    fs::last_write_time(first / "about.json", fs::file_time_type::clock::now() + std::chrono::hours(1));
+    const fs::path second = publishText("mine", "2"); // after the clock was put back
     EXPECT_EQ(store.find("mine").folder, second);
     EXPECT_EQ(store.find(first.filename()).folder, first);
-    const fs::path third = publishText("mine", "3");
-    EXPECT_TRUE(fs::exists(first));
-    EXPECT_FALSE(fs::exists(second));
-    EXPECT_TRUE(fs::exists(third));
+    store.makeLatest(store.find(first.filename()));
+    EXPECT_EQ(store.find("mine").folder, first);
+    EXPECT_EQ(store.madeHere("mine").size(), 2u);
+    fs::remove_all(second);
+    EXPECT_THROW(store.makeLatest({"mine", second, false, false}), DataError);
+}
+
+TEST_F(SetStores, KeepAllSetsOfANameUntilOlderOnesAreToGo) {
+    std::vector<fs::path> made;
+    for (const char* const text : {"1", "2", "3", "4", "5"})
+        made.push_back(publishText("mine", text));
+    publishText("other", "1");
+    EXPECT_TRUE(std::ranges::all_of(made, [](const fs::path& set) { return fs::exists(set); }));
+    store.use(store.find(made[1].filename()));
+    const std::vector<InstalledSet> gone = store.removeOlder("mine");
+    ASSERT_EQ(gone.size(), 2u);
+    EXPECT_EQ(gone[0].folder, made[2]);
+    EXPECT_EQ(gone[1].folder, made[0]);
+    EXPECT_EQ(store.madeHere("mine").size(), 3u) << "the latest two and the one in use";
+    EXPECT_TRUE(store.find("other").folder.has_filename());
+    EXPECT_EQ(std::distance(fs::directory_iterator(folder.file("root/sets")), {}), 4);
+    EXPECT_TRUE(store.removeOlder("mine").empty());
+}
+
+/// A room that was measured once cannot be made again in a moment.
+TEST_F(SetStores, NeverRemoveARoomOfOnesOwn) {
+    for (const char* const note : {"1", "2", "3", "4"})
+        publishText("church", test::aboutWithARoomOfOnesOwn() + std::string(std::stoul(note), '\n'));
+    EXPECT_EQ(store.madeHere("church").size(), 4u);
+    EXPECT_TRUE(store.removeOlder("church").empty());
+    EXPECT_EQ(store.madeHere("church").size(), 4u);
+}
+
+TEST_F(SetStores, LetNoKindOfSetTakeTheNameOfAnother) {
+    publishText("church", test::aboutWithARoomOfOnesOwn());
+    EXPECT_THAT(told([&](std::ostream&) { publishText("church", test::syntheticAbout()); }),
+                AllOf(HasSubstr("refused: "),
+                      HasSubstr("\"church\" belongs to a set with a room of one's own"),
+                      HasSubstr("--name")));
+    publishText("mine", test::syntheticAbout());
+    EXPECT_THAT(told([&](std::ostream&) { publishText("mine", test::aboutWithARoomOfOnesOwn()); }),
+                HasSubstr("\"mine\" belongs to a set without a room of one's own"));
+    EXPECT_EQ(store.sets().size(), 2u);
+    EXPECT_NO_THROW(store.requireKind("new", SetKind::ownRoom));
+    EXPECT_NO_THROW(store.requireKind("church", SetKind::ownRoom));
 }
 
 /// The same text twice, as when a damaged set is made anew: the folder that is in use is not touched.
@@ -165,74 +155,6 @@ TEST_F(SetStores, PutAPlainFolderAmongTheSetsWhenALinkTakesItsPlace) {
     EXPECT_EQ(test::readBytes(folder.file("root/sets/plain-folder/by-hand.txt")), "kept");
 }
 
-/// Asked by nobody in particular, whom root's folders let look but not write.
-TEST_F(SetStores, SayThatRightsAreMissing) {
-    constexpr uid_t nobody = 65534;
-    publishText("mine", "1");
-    fs::permissions(folder.path(), fs::perms(0755));
-    fs::permissions(folder.file("root/sets"), fs::perms(0555));
-    const pid_t child = fork();
-    if (child == 0) {
-        if (geteuid() == 0 && setuid(nobody) != 0)
-            _exit(2);
-        const std::string said = told([&](std::ostream&) { store.stage(); });
-        _exit(said.find("run the same again as root") != std::string::npos ? 0 : 1);
-    }
-    int status = 0;
-    ASSERT_EQ(waitpid(child, &status, 0), child);
-    EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0);
-    fs::permissions(folder.file("root/sets"), fs::perms(0755));
-}
-
-/// Kills a copy of this program at each of its system calls in turn while it switches from one set to another. After each
-/// death the link leads to the one or the other, and both are whole; the last copy gets through.
-TEST_F(SetStores, SurviveBeingKilledAtEverySystemCallOfASwitch) {
-#if defined(__SANITIZE_THREAD__) || defined(__SANITIZE_ADDRESS__)
-    GTEST_SKIP() << "a traced copy of a sanitizer's process is not the program's own";
-#else
-    const std::string one = "sets/" + publishText("one", "1").filename().string();
-    const std::string other = "sets/" + publishText("other", "2").filename().string();
-    store.use(store.find("one"));
-    const InstalledSet target = store.find("other");
-    int calls = 0;
-    bool finished = false;
-    int deathsBefore = 0;
-    while (!finished) {
-        ASSERT_LT(++calls, 500);
-        const pid_t child = fork();
-        if (child == 0) {
-            if (ptrace(PTRACE_TRACEME, 0, nullptr, nullptr) != 0)
-                _exit(99);
-            raise(SIGSTOP);
-            store.use(target);
-            _exit(0);
-        }
-        int status = 0;
-        ASSERT_EQ(waitpid(child, &status, 0), child);
-        if (WIFEXITED(status))
-            GTEST_SKIP() << "this system does not let a process trace its child";
-        for (int call = 0; call < calls && !WIFEXITED(status); ++call) {
-            ptrace(PTRACE_SYSCALL, child, nullptr, nullptr); // to the next entry into a call or exit from one
-            ASSERT_EQ(waitpid(child, &status, 0), child);
-        }
-        finished = WIFEXITED(status);
-        if (!finished) {
-            kill(child, SIGKILL);
-            waitpid(child, &status, 0);
-        }
-        const std::string now = linkText(); // throws where there is no link
-        ASSERT_TRUE(now == one || now == other) << now << " after " << calls << " stops";
-        ASSERT_TRUE(fs::exists(store.link() / "about.json"));
-        ASSERT_TRUE(fs::exists(folder.file("root/" + one + "/about.json")));
-        deathsBefore += now == one ? 1 : 0;
-        store.use(store.find("one"));
-    }
-    EXPECT_GT(deathsBefore, 10);
-    EXPECT_EQ(std::distance(fs::directory_iterator(folder.file("root")), {}), 2)
-        << "link and sets, and nothing else";
-#endif
-}
-
 TEST_F(SetStores, LetTheUseOfADamagedSetNotHappen) {
     publishComplete("good");
     const fs::path bad = publishComplete("bad");
@@ -241,6 +163,46 @@ TEST_F(SetStores, LetTheUseOfADamagedSetNotHappen) {
     fs::resize_file(bad / "OVNdata511.dat", 1000);
     EXPECT_THAT(use("bad"), AllOf(HasSubstr("refused: "), HasSubstr("1 file missing or not sound")));
     EXPECT_TRUE(store.find("good").used);
+}
+
+/// What an older version made sounds as it did then: no reason to take it from anybody.
+TEST_F(SetStores, LetASetOfOtherMethodsBeUsedWithANote) {
+    const std::string rooms = R"("rooms": {"method": 1}})";
+    publishComplete("older", R"({"method": 1, "origin": "a computed head", )" + rooms);
+    static_assert(reverbMethodNumber != 1);
+    EXPECT_THAT(use("older"), AllOf(HasSubstr("now reads \"older\""),
+                                    HasSubstr("Note: the rooms were made by another version of this program"),
+                                    HasSubstr("will do until")));
+    EXPECT_TRUE(store.find("older").used);
+    EXPECT_THAT(list(), AllOf(HasSubstr("sound, but the rooms were made by another version"),
+                              Not(HasSubstr("FAULT"))));
+}
+
+TEST_F(SetStores, SayHowToGoBackToASetThatIsNotTheLatestOfItsName) {
+    const fs::path first = publishComplete("mine");
+    use("mine");
+    publishComplete("mine");
+    EXPECT_THAT(use("mine"), HasSubstr("kestrum data use " + first.string() + "\n"));
+    const fs::path other = publishComplete("other");
+    EXPECT_THAT(use("other"), HasSubstr("kestrum data use mine\n"));
+}
+
+/// Somebody's file would be gone.
+TEST_F(SetStores, ReplaceNoPlainFileByTheLink) {
+    publishText("mine", "1");
+    std::ofstream(store.link()) << "kept";
+    EXPECT_THAT(
+        told([&](std::ostream&) { store.use(store.find("mine")); }),
+        AllOf(HasSubstr("refused: "), HasSubstr("neither a link nor a folder"), HasSubstr("by hand")));
+    EXPECT_EQ(test::readBytes(store.link().string()), "kept");
+}
+
+TEST_F(SetStores, LinkToNoSetThatHasJustBeenRemoved) {
+    publishText("mine", "1");
+    const InstalledSet set = store.find("mine");
+    fs::remove_all(set.folder);
+    EXPECT_THROW(store.use(set), DataError);
+    EXPECT_FALSE(store.linked());
 }
 
 TEST_F(SetStores, AreListedWithWhatMatters) {

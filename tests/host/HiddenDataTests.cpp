@@ -71,7 +71,7 @@ TEST_F(HiddenData, TheProgramRefusesWithTheRemedy) {
     std::ofstream(input, std::ios::binary) << wav;
     EXPECT_EXIT(renderWithoutData(input.string(), (folder / "out.wav").string()),
                 ::testing::ExitedWithCode(1),
-                "The plug-in's data folder .* is missing: run scripts/install-data");
+                "The plug-in's data folder .* is missing: \"kestrum doctor\" names the command");
     std::filesystem::remove_all(folder);
 }
 

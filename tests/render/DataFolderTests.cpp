@@ -47,8 +47,8 @@ TEST_F(DataFolder, EachRateNeedsOnlyTheFileThatServesIt) {
     for (const double rate : {48000, 96000, 192000})
         EXPECT_EQ(refusal(rate), "accepted");
     for (const double rate : {44100, 88200, 176400})
-        EXPECT_THAT(refusal(rate), HasSubstr("lacks OVNdata120.dat: run scripts/install-data"));
-    EXPECT_THAT(refusal(24000), HasSubstr("lacks OVNdata122.dat: run scripts/install-data"));
+        EXPECT_THAT(refusal(rate), HasSubstr("lacks OVNdata120.dat: \"kestrum doctor\""));
+    EXPECT_THAT(refusal(24000), HasSubstr("lacks OVNdata122.dat: \"kestrum doctor\""));
 }
 
 TEST_F(DataFolder, AnotherRateIsRefusedWithTheRatesThatAreServed) {
@@ -60,7 +60,7 @@ TEST_F(DataFolder, AnotherRateIsRefusedWithTheRatesThatAreServed) {
 
 TEST_F(DataFolder, AMissingFolderIsRefusedWithTheRemedy) {
     std::filesystem::remove_all(folder);
-    EXPECT_THAT(refusal(48000), HasSubstr("is missing: run scripts/install-data"));
+    EXPECT_THAT(refusal(48000), HasSubstr("is missing: \"kestrum doctor\""));
 }
 
 } // namespace

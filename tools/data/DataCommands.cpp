@@ -8,12 +8,15 @@
 #include "data/HrirBuilder.h"
 #include "data/Report.h"
 #include "data/ReportCommand.h"
+#include "data/ReportPage.h"
 #include "data/ReverbCommand.h"
 #include "data/SetBuilder.h"
 #include "data/SetCommands.h"
 #include "data/SofaReader.h"
 
 #include <CLI/CLI.hpp>
+
+#include <unistd.h>
 
 #include <algorithm>
 #include <cmath>
@@ -27,9 +30,9 @@ namespace orvane::kestrum::tools {
 void makeFolder(const std::filesystem::path& folder) {
     std::error_code failure;
     std::filesystem::create_directories(folder, failure);
-    if (!std::filesystem::is_directory(folder))
+    if (!std::filesystem::is_directory(folder) || access(folder.c_str(), W_OK) != 0)
         throw DataError("The folder \"" + folder.string() +
-                        "\" cannot be made: give one that you may write to.");
+                        "\" cannot be made or written: give one that you may write to.");
 }
 
 namespace {
@@ -104,6 +107,8 @@ void runHrir(const HrirRequest& request, std::ostream& out) {
     if (request.out.empty())
         throw DataError(
             "There is no place for the files: name a folder with --out, or a complete set with --name.");
+    if (!request.report.empty())
+        requireGnuplot();
     makeFolder(request.out);
     if (!request.report.empty())
         makeFolder(request.report);
@@ -119,7 +124,7 @@ void runHrir(const HrirRequest& request, std::ostream& out) {
 void runCheck(const std::filesystem::path& folder, std::ostream& out) {
     if (!std::filesystem::is_directory(folder))
         throw DataError("\"" + folder.string() +
-                        "\" is no folder: make and install the data with scripts/install-data.");
+                        "\" is no folder: \"kestrum doctor\" names the command that installs the data.");
     const std::vector<FileVerdict> verdicts = checkDataFolder(folder);
     for (const FileVerdict& verdict : verdicts)
         out << (verdict.sound ? "sound  " : "FAULT  ") << verdict.name << ": " << verdict.finding << ".\n";

@@ -16,11 +16,20 @@ namespace orvane::kestrum::tools {
 
 namespace {
 
-constexpr const char* remakeRemedy = "make the set anew with \"kestrum data hrir\" or scripts/install-data.";
-constexpr const char* remakeRoomsRemedy =
-    "make the rooms anew with \"kestrum data reverb\" or scripts/install-data.";
-constexpr const char* remakeHeadphonesRemedy =
-    "make the set anew with \"kestrum data hrir --name NAME --headphone-eq FILE\".";
+enum class Part { head, rooms };
+
+/// What to do about a fault. With headphones folded in neither part can be made without the other, and rooms that are made
+/// anew are the program's own.
+std::string remedyFor(Part part, const std::filesystem::path& folder) {
+    if (aboutHeadphones(folder))
+        return "make the set anew with \"kestrum data hrir --name NAME --headphone-eq FILE\".";
+    if (part == Part::head)
+        return "make the set anew with \"kestrum data hrir\", or run the command that \"kestrum doctor\" "
+               "names.";
+    return std::string("make the rooms anew with \"kestrum data reverb\"") +
+           (ownRooms(folder).empty() ? ", or run the command that \"kestrum doctor\" names."
+                                     : ", then those of your own with \"kestrum room\".");
+}
 
 bool silent(const Samples& samples) {
     return std::ranges::all_of(samples, [](double sample) { return sample == 0; });
@@ -111,8 +120,6 @@ std::string headphoneFault(const std::filesystem::path& folder) {
     const std::optional<AboutHeadphones> headphones = aboutHeadphones(folder);
     if (!headphones)
         return "";
-    if (headphones->method != headphoneMethodNumber)
-        return "the headphones were folded in by another version of this program";
     try {
         if (sha256OfFile(folder / headphones->copyName) != headphones->sha256)
             return headphones->copyName + " is not the correction that the set was made with";
@@ -120,6 +127,16 @@ std::string headphoneFault(const std::filesystem::path& folder) {
         return headphones->copyName + ", the correction that the set was made with, is missing";
     }
     return "";
+}
+
+/// Which part of a set was made by other methods than this program's; nothing where none was.
+std::string olderPart(const AboutMethods& methods, const std::filesystem::path& folder) {
+    if (methods.responses != methodNumber)
+        return "the head was made";
+    if (methods.rooms != reverbMethodNumber)
+        return "the rooms were made";
+    const std::optional<AboutHeadphones> headphones = aboutHeadphones(folder);
+    return headphones && headphones->method != headphoneMethodNumber ? "the headphones were folded in" : "";
 }
 
 } // namespace
@@ -140,7 +157,7 @@ FileVerdict checkResponseFile(const ResponseFile& file, const std::filesystem::p
         verdict.sound = true;
     } catch (const DataError& error) {
         verdict.finding = error.what();
-        verdict.remedy = remakeRemedy;
+        verdict.remedy = remedyFor(Part::head, folder);
     }
     return verdict;
 }
@@ -157,25 +174,24 @@ FileVerdict checkReverbFile(const ReverbFile& file, const std::filesystem::path&
         verdict.sound = true;
     } catch (const DataError& error) {
         verdict.finding = error.what();
-        verdict.remedy = remakeRoomsRemedy;
+        verdict.remedy = remedyFor(Part::rooms, folder);
     }
     return verdict;
 }
 
 FileVerdict checkAbout(const std::filesystem::path& folder) {
-    FileVerdict verdict{aboutFileName, false, {}, remakeRemedy};
     const AboutMethods methods = methodsOf(folder);
+    FileVerdict verdict{aboutFileName, false, {}, {}};
+    verdict.remedy = remedyFor(methods.responses == methodNumber ? Part::rooms : Part::head, folder);
     if (methods.responses == 0)
         verdict.finding = "it is missing or does not say how the head was made";
-    else if (methods.responses != methodNumber)
-        verdict.finding = "the head was made by another version of this program";
-    else if (methods.rooms != reverbMethodNumber) {
-        verdict.finding = methods.rooms == 0 ? "it does not say how the rooms were made"
-                                             : "the rooms were made by another version of this program";
-        verdict.remedy = remakeRoomsRemedy;
-    } else if (const std::string fault = headphoneFault(folder); !fault.empty()) {
+    else if (methods.rooms == 0)
+        verdict.finding = "it does not say how the rooms were made";
+    else if (const std::string fault = headphoneFault(folder); !fault.empty())
         verdict.finding = fault;
-        verdict.remedy = remakeHeadphonesRemedy;
+    else if (const std::string part = olderPart(methods, folder); !part.empty()) {
+        verdict.finding = part + " by another version of this program";
+        verdict.outdated = true;
     } else {
         const std::string headphones = headphonesOrNone(folder).fileName;
         verdict = {aboutFileName,
@@ -211,14 +227,28 @@ std::vector<FileVerdict> checkDataFolder(const std::filesystem::path& folder) {
     return verdicts;
 }
 
-void requireSoundFolder(const std::filesystem::path& folder, const std::vector<FileVerdict>& verdicts) {
-    const auto faults = std::ranges::count(verdicts, false, &FileVerdict::sound);
+namespace {
+
+void requireAll(const std::filesystem::path& folder, const std::vector<FileVerdict>& verdicts,
+                const std::function<bool(const FileVerdict&)>& good) {
+    const auto faults = std::ranges::count(verdicts, false, good);
     if (faults == 0)
         return;
     // What comes later in the list is made of what comes first.
     throw DataError("The data folder \"" + folder.string() + "\" has " + std::to_string(faults) +
-                    (faults == 1 ? " file" : " files") + " missing or not sound: " +
-                    std::ranges::find(verdicts, false, &FileVerdict::sound)->remedy);
+                    (faults == 1 ? " file" : " files") +
+                    " missing or not sound: " + std::ranges::find(verdicts, false, good)->remedy);
+}
+
+} // namespace
+
+void requireSoundFolder(const std::filesystem::path& folder, const std::vector<FileVerdict>& verdicts) {
+    requireAll(folder, verdicts, &FileVerdict::sound);
+}
+
+void requireUsableFolder(const std::filesystem::path& folder, const std::vector<FileVerdict>& verdicts) {
+    requireAll(folder, verdicts,
+               [](const FileVerdict& verdict) { return verdict.sound || verdict.outdated; });
 }
 
 } // namespace orvane::kestrum::tools

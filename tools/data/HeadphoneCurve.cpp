@@ -99,9 +99,13 @@ Recording readRecording(const std::filesystem::path& path) {
 
 std::string contentOf(const std::filesystem::path& file) {
     std::error_code failure;
-    if (!std::filesystem::is_regular_file(file, failure))
+    const std::filesystem::file_status there = std::filesystem::status(file, failure);
+    if (!std::filesystem::exists(there))
         throw DataError("\"" + file.string() +
                         "\" does not exist: name the headphones' equaliser or response with --headphone-eq.");
+    if (!std::filesystem::is_regular_file(there))
+        throw DataError("\"" + file.string() +
+                        "\" is no plain file: save the headphones' equaliser or response in one first.");
     std::ifstream stream(file, std::ios::binary);
     std::string text((std::istreambuf_iterator<char>(stream)), std::istreambuf_iterator<char>());
     if (!stream)

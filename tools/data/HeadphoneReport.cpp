@@ -3,6 +3,7 @@
 
 #include "data/ReportPage.h"
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <iomanip>
@@ -37,17 +38,34 @@ std::string rateText(std::size_t file) {
     return text.str();
 }
 
-/// What was asked for and what the limits made of it, where both differ.
-std::string limitsText(const Headphones& headphones, const FoldReport& report) {
+double cutAwayDb(const HeadphoneCurve& curve, double hertz) {
+    return std::abs(curve.askedDb(hertz) - curve.gainDb(hertz));
+}
+
+/// What was asked for and what the limits made of it, in each third octave where they differ most.
+std::string limitsText(const HeadphoneCurve& curve) {
+    constexpr std::size_t third = 32; // points
+    constexpr std::size_t from = 96;  // 20 Hz; below and above 20 kHz the curve is held still
+    constexpr std::size_t to = 1053;
+    constexpr double enoughDb = 0.05;
     std::string text;
-    for (const FollowedBand& band : report.heads[first]) {
-        const double asked = headphones.curve.askedDb(band.centreHz);
-        const double given = headphones.curve.gainDb(band.centreHz);
-        if (std::abs(asked - given) > 0.05)
-            text += (text.empty() ? "" : ", ") + hertzText(band.centreHz) + " (" + signedText(asked) +
-                    " asked, " + signedText(given) + " given)";
+    for (std::size_t band = from; band < to; band += third) {
+        double worst = HeadphoneCurve::pointHz(band);
+        for (std::size_t point = band; point < std::min(band + third, to); ++point)
+            if (const double hertz = HeadphoneCurve::pointHz(point);
+                cutAwayDb(curve, hertz) > cutAwayDb(curve, worst))
+                worst = hertz;
+        if (cutAwayDb(curve, worst) > enoughDb)
+            text += (text.empty() ? "" : ", ") + hertzText(worst) + " (" + signedText(curve.askedDb(worst)) +
+                    " asked, " + signedText(curve.gainDb(worst)) + " given)";
     }
     return text;
+}
+
+bool followsThroughout(const FoldReport& report) {
+    return std::ranges::all_of(report.heads, [](const std::vector<FollowedBand>& bands) {
+        return !bands.empty() && followsFromHz(bands) == bands.front().centreHz;
+    });
 }
 
 std::string followText(const FoldReport& report) {
@@ -66,7 +84,7 @@ std::string followText(const FoldReport& report) {
 void tellFold(const Headphones& headphones, const FoldReport& report, std::ostream& out) {
     out << "Headphones: " << headphones.fileName << ", " << headphones.description << "; level of the set "
         << signedText(headphones.curve.levelDb()) << " dB.\n";
-    if (const std::string limits = limitsText(headphones, report); !limits.empty())
+    if (const std::string limits = limitsText(headphones.curve); !limits.empty())
         out << "  Limited to +12 dB and -24 dB round its mean: " << limits << ".\n";
     out << "  Third octave   wanted  reached by the head's responses, dB (nine of ten directions within)\n"
         << "                     dB";
@@ -86,8 +104,11 @@ void tellFold(const Headphones& headphones, const FoldReport& report, std::ostre
             }
         out << "\n";
     }
-    out << "  The head follows to 1 dB " << followText(report)
-        << ": below, responses of 3 ms are too short for what is asked. The rooms follow everywhere.\n";
+    if (followsThroughout(report))
+        out << "  The head follows to 1 dB in every band, and so do the rooms.\n";
+    else
+        out << "  The head follows to 1 dB " << followText(report)
+            << ": below, responses of 3 ms are too short for what is asked. The rooms follow everywhere.\n";
 }
 
 std::string headphoneChapter(const Headphones& headphones, const FoldReport& report,

@@ -24,13 +24,29 @@ constexpr double lowestQ = 0.01;
 constexpr double highestQ = 200;
 constexpr std::size_t mostFilters = 200;
 
+/// A text as it may be shown in a terminal: one sign for every letter that is not ASCII's or would steer it, and no more
+/// than a line of it.
+std::string shown(std::string_view text) {
+    constexpr std::size_t longest = 80;
+    std::string result;
+    for (const char letter : text) {
+        const auto byte = static_cast<unsigned char>(letter);
+        if ((byte & 0xc0U) == 0x80U) // goes on with a letter of UTF-8
+            continue;
+        if (result.size() == longest)
+            return result + "...";
+        result += byte >= 0x20 && byte < 0x7f ? letter : '?';
+    }
+    return result;
+}
+
 /// What the sentences of one line begin with.
 struct Line {
     std::size_t number = 0;
     std::string text;
 
     [[noreturn]] void refuse(const std::string& reason) const {
-        throw DataError("line " + std::to_string(number) + ", \"" + text + "\", " + reason);
+        throw DataError("line " + std::to_string(number) + ", \"" + shown(text) + "\", " + reason);
     }
 };
 
@@ -152,7 +168,11 @@ EqShape shapeOf(const std::string& name, const Line& line) {
     line.refuse("is of a kind that cannot be folded in: use PK, LSC and HSC.");
 }
 
-double qOfBandwidth(double octaves) { return 1 / (2 * std::sinh(std::numbers::ln2 / 2 * octaves)); }
+/// The bilinear transform narrows a band towards the Nyquist frequency; this is the Q that makes up for it.
+double qOfBandwidth(double octaves, double hertz) {
+    const double centre = 2 * std::numbers::pi * hertz / equaliserRate;
+    return 1 / (2 * std::sinh(std::numbers::ln2 / 2 * octaves * centre / std::sin(centre)));
+}
 
 double qOfSlope(double slope, double gainDecibels) {
     const double amplitude = std::pow(10.0, gainDecibels / 40);
@@ -184,7 +204,7 @@ GivenFilter givenFilter(Words& words, const Line& line) {
             words.take("oct");
             given.octaves = words.number("BW Oct");
         } else
-            line.refuse("holds \"" + words.word() +
+            line.refuse("holds \"" + shown(words.word()) +
                         "\", which is no part of a filter: give Fc, Gain and Q, each with its number.");
     }
     return given;
@@ -196,7 +216,8 @@ double qOf(const GivenFilter& given, EqShape shape, std::optional<double> slopeD
     if (given.q)
         return *given.q;
     if (given.octaves)
-        return qOfBandwidth(within(*given.octaves, 1e-3, 12, "bandwidth", line));
+        return within(qOfBandwidth(within(*given.octaves, 1e-3, 12, "bandwidth", line), *given.frequencyHz),
+                      lowestQ, highestQ, "bandwidth at this frequency", line);
     if (shape == EqShape::peak)
         line.refuse("has no Q: add how wide it is, such as \"Q 1.41\".");
     return qOfSlope(slopeDb ? within(*slopeDb / fullSlopeDb, 0.05, 2, "slope", line) : usualSlope,
@@ -286,7 +307,8 @@ private:
         const double gain = words.number("Preamp:");
         words.take("db");
         if (!words.empty())
-            line.refuse("holds \"" + words.word() + "\" behind the number: write it as \"Preamp: -6.2 dB\".");
+            line.refuse("holds \"" + shown(words.word()) +
+                        "\" behind the number: write it as \"Preamp: -6.2 dB\".");
         eq.preampDb += within(gain, -largestGainDb, largestGainDb, "gain", line);
     }
 

@@ -39,10 +39,10 @@ struct ParametricEq {
 ///
 /// Capitals do not matter, numbers may be left out after "Filter", units may touch their number, and a comma may stand
 /// for the point. LSQ and HSQ are other names of LSC and HSC. A shelf without a Q may give its slope in decibels per
-/// octave; without either it has 0.9 of 12. What stands above the first filter and is no command is a heading; after
+/// octave; without either it has 0.9 of 12. A bandwidth is that of the filter at 48000 Hz, by the cookbook below. What stands above the first filter and is no command is a heading; after
 /// it every line has to be understood. Commands that cannot be folded into a head are refused.
 ///
-/// Errors  DataError names the line and what to write instead.
+/// Errors  DataError names the line, as far as it can be shown, and what to write instead.
 /// Source  the configuration reference of Equalizer APO for filters, units, slopes and defaults; files exported by Room EQ
 ///         Wizard and AutoEq for headings, spacing and decimal commas.
 ParametricEq parseParametricEq(std::string_view text);

@@ -3,6 +3,7 @@
 
 #include "data/DataError.h"
 #include "data/FolderReport.h"
+#include "data/ReportPage.h"
 
 #include <CLI/CLI.hpp>
 
@@ -27,7 +28,8 @@ void addReportCommand(CLI::App& data, std::ostream& out) {
     command->callback([request, &out] {
         if (!std::filesystem::is_directory(request->data))
             throw DataError("\"" + request->data.string() +
-                            "\" is no folder: make and install the data with scripts/install-data.");
+                            "\" is no folder: \"kestrum doctor\" names the command that installs the data.");
+        requireGnuplot();
         writeFolderReport(request->data, request->out, {}, out);
     });
 }

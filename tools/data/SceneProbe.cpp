@@ -87,7 +87,7 @@ private:
 [[noreturn]] void refuseFolder(const std::string& folder, const std::string& files,
                                const std::string& reason) {
     throw DataError("The " + files + " in \"" + folder + "\" cannot be used (" + reason +
-                    "): \"kestrum data check\" says which, scripts/install-data makes them.");
+                    "): \"kestrum data check\" says which, \"kestrum doctor\" how to install them.");
 }
 
 std::size_t channelCountOf(std::string_view layout) {

@@ -7,6 +7,7 @@
 #include "data/HeadphoneFold.h"
 #include "data/HeadphoneReport.h"
 #include "data/Report.h"
+#include "data/ReportPage.h"
 #include "data/ReverbCommand.h"
 #include "data/SofaReader.h"
 #include "data/WholeFile.h"
@@ -30,24 +31,31 @@ bool isSound(const std::filesystem::path& folder) {
     return std::ranges::all_of(checkDataFolder(folder), &FileVerdict::sound);
 }
 
-/// A sound set that was made as told; of any name where none is given.
-std::optional<InstalledSet> setMadeAs(const std::string& about, const std::string& name,
-                                      const SetStore& store) {
-    for (const InstalledSet& set : store.sets())
-        if ((name.empty() || (set.name == name && !set.packaged)) && aboutOf(set.folder) == about &&
-            isSound(set.folder))
+/// The first sound set that was made as told.
+std::optional<InstalledSet> setMadeAs(const std::string& about, const std::vector<InstalledSet>& sets) {
+    for (const InstalledSet& set : sets)
+        if (aboutOf(set.folder) == about && isSound(set.folder))
             return set;
     return std::nullopt;
 }
 
-/// The latest set made here under this name, whatever its state.
-std::optional<InstalledSet> latestOf(const std::string& name, const SetStore& store) {
-    try {
-        const InstalledSet set = store.find(name);
-        return set.packaged ? std::nullopt : std::optional(set);
-    } catch (const DataError&) {
-        return std::nullopt;
+/// Makes what was made before the latest of its name: "use" takes the set that was asked for last.
+/// @return whether there is such a set, sound.
+bool keptFromBefore(const std::string& about, const std::string& name, const SetStore& store,
+                    std::ostream& out) {
+    const std::vector<InstalledSet> sets = store.madeHere(name); // the latest first
+    const std::optional<InstalledSet> made = setMadeAs(about, sets);
+    if (!made)
+        return false;
+    if (made->folder == sets.front().folder) {
+        out << "The set \"" << name << "\" is up to date.\n";
+        return true;
     }
+    store.makeLatest(*made);
+    out << "The set \"" << name << "\" was made like this before, in \"" << made->folder.string()
+        << "\", and that is the latest again: let the plug-in read it with \"kestrum data use " << name
+        << "\".\n";
+    return true;
 }
 
 std::vector<std::string> ownFiles() {
@@ -73,14 +81,16 @@ std::optional<BuiltSet> makePlainSet(const HrirRequest& request, MeasuredSet mea
                                      const std::string& about, const std::filesystem::path& folder,
                                      const SetStore& store, std::ostream& out) {
     const std::string plainAbout = aboutWithRooms(about);
-    if (request.report.empty())
-        if (const auto made = setMadeAs(plainAbout, "", store)) {
+    if (request.report.empty()) {
+        const StoreLock others = store.lock(); // nobody removes what is copied
+        if (const auto made = setMadeAs(plainAbout, store.sets())) {
             out << "Head and rooms: those of the set \"" << made->name
                 << "\", which is of the same measurement.\n";
             for (const FileRule& rule : dataFolderRules())
                 copyWhole(made->folder / rule.name, folder / rule.name);
             return std::nullopt;
         }
+    }
     BuiltSet built = makeHead(std::move(measured), about, folder, out);
     makeRooms(folder, out);
     return built;
@@ -90,6 +100,21 @@ AboutHeadphones toldOf(const Headphones& headphones) {
     const HeadphoneCurve& curve = headphones.curve;
     return {headphones.fileName, headphones.sha256, headphones.copyName, headphones.description,
             curve.levelDb(),     curve.leastDb(),   curve.mostDb(),      headphoneMethodNumber};
+}
+
+/// Gives a set its name, and tells which of its name had to go.
+void publishSet(StagedSet staged, const std::string& name, const SetStore& store, std::ostream& out) {
+    {
+        const StoreLock others = store.lock();
+        if (const auto before = store.madeHere(name); !before.empty())
+            copyForeignFiles(before.front().folder, staged.folder());
+    }
+    requireSoundFolder(staged.folder(), checkDataFolder(staged.folder()));
+    const std::filesystem::path folder = store.publish(std::move(staged), name);
+    out << "The set \"" << name << "\" is complete and sound in \"" << folder.string()
+        << "\": let the plug-in read it with \"kestrum data use " << name << "\".\n";
+    for (const InstalledSet& old : store.removeOlder(name))
+        out << "Removed \"" << old.folder.string() << "\": the latest two sets of a name are kept.\n";
 }
 
 } // namespace
@@ -108,36 +133,29 @@ void runSet(const HrirRequest& request, const SetStore& store, std::ostream& out
         out << about;
         return;
     }
-    if (request.report.empty() && setMadeAs(about, request.name, store)) {
-        out << "The set \"" << request.name << "\" is up to date.\n";
+    store.requireKind(request.name, SetKind::head);
+    const bool reported = !request.report.empty();
+    if (!reported && keptFromBefore(about, request.name, store, out))
         return;
-    }
+    if (reported)
+        requireGnuplot();
     StagedSet staged = store.stage();
-    if (!request.report.empty())
+    if (reported)
         makeFolder(request.report);
     const std::optional<BuiltSet> built =
         makePlainSet(request, std::move(measured), headAbout, staged.folder(), store, out);
-    std::string chapter;
+    FoldReport fold;
     if (headphones) {
-        const FoldReport fold = foldHeadphones(staged.folder(), *headphones, request.headphoneEq, about);
+        fold = foldHeadphones(staged.folder(), *headphones, request.headphoneEq, about);
         tellFold(*headphones, fold, out);
-        if (!request.report.empty())
-            chapter = headphoneChapter(*headphones, fold, request.report);
     }
-    if (built && !request.report.empty()) {
-        writeReport(*built, about, request.report, chapter);
-        out << "Report: " << (request.report / "index.html").string() << "\n";
-    }
-    if (setMadeAs(about, request.name, store)) { // only the report was wanted
-        out << "The set \"" << request.name << "\" is up to date.\n";
+    if (!reported || !keptFromBefore(about, request.name, store, out)) // or only the report was wanted
+        publishSet(std::move(staged), request.name, store, out);
+    if (!built || !reported)
         return;
-    }
-    if (const auto latest = latestOf(request.name, store))
-        copyForeignFiles(latest->folder, staged.folder());
-    requireSoundFolder(staged.folder(), checkDataFolder(staged.folder()));
-    const std::filesystem::path folder = store.publish(std::move(staged), request.name);
-    out << "The set \"" << request.name << "\" is complete and sound in \"" << folder.string()
-        << "\": let the plug-in read it with \"kestrum data use " << request.name << "\".\n";
+    writeReport(*built, about, request.report,
+                headphones ? headphoneChapter(*headphones, fold, request.report) : std::string());
+    out << "Report: " << (request.report / "index.html").string() << "\n";
 }
 
 } // namespace orvane::kestrum::tools

@@ -40,7 +40,9 @@ std::string ratesText(const std::vector<FileVerdict>& verdicts) {
 
 std::string stateText(const std::vector<FileVerdict>& verdicts) {
     const auto fault = std::ranges::find(verdicts, false, &FileVerdict::sound);
-    return fault == verdicts.end() ? "sound" : "FAULT: " + fault->name + ": " + fault->finding;
+    if (fault == verdicts.end())
+        return "sound";
+    return fault->outdated ? "sound, but " + fault->finding : "FAULT: " + fault->name + ": " + fault->finding;
 }
 
 std::string sourceText(const std::filesystem::path& folder) {
@@ -83,7 +85,8 @@ const InstalledSet* usedOf(const std::vector<InstalledSet>& sets) {
 
 void runUse(const std::string& name, const SetStore& store, std::ostream& out) {
     const InstalledSet set = store.find(name);
-    requireSoundFolder(set.folder, checkDataFolder(set.folder));
+    const std::vector<FileVerdict> verdicts = checkDataFolder(set.folder);
+    requireUsableFolder(set.folder, verdicts);
     if (set.used) {
         out << "The plug-in reads \"" << set.name << "\" already.\n";
         return;
@@ -93,10 +96,15 @@ void runUse(const std::string& name, const SetStore& store, std::ostream& out) {
     store.use(set);
     out << "The plug-in now reads \"" << set.name << "\", \"" << set.folder.string()
         << "\"; restart hosts that run.\n";
-    if (before != nullptr)
-        out << "Back to the set before: kestrum data use "
-            << (before->packaged || before->name == set.name ? before->folder.string() : before->name)
+    for (const FileVerdict& verdict : verdicts)
+        if (verdict.outdated)
+            out << "Note: " << verdict.finding << "; it will do until you make the set anew.\n";
+    if (before != nullptr) {
+        const std::vector<InstalledSet> ofName = store.madeHere(before->name);
+        const bool known = !ofName.empty() && ofName.front().folder == before->folder;
+        out << "Back to the set before: kestrum data use " << (known ? before->name : before->folder.string())
             << "\n";
+    }
 }
 
 void runList(const SetStore& store, std::ostream& out) {

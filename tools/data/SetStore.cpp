@@ -5,15 +5,16 @@
 #include "data/DataError.h"
 
 #include <fcntl.h>
-#include <sys/file.h>
 #include <unistd.h>
 
 #include <algorithm>
-#include <cerrno>
+#include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <fstream>
+#include <functional>
 #include <iterator>
+#include <system_error>
 #include <utility>
 
 namespace orvane::kestrum::tools {
@@ -22,10 +23,12 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr std::string_view stagedPrefix = ".new-";
 constexpr std::size_t digitCount = 8;
 
 [[noreturn]] void refuseRoot(const fs::path& root) {
+    if (geteuid() == 0)
+        throw DataError("\"" + root.string() +
+                        "\" cannot be written, not even by root: let its disk be mounted for writing.");
     throw DataError("\"" + root.string() +
                     "\" may not be written by you: run the same again as root, such as with sudo.");
 }
@@ -71,11 +74,12 @@ bool sameFolder(const fs::path& one, const fs::path& other) {
 /// Appends the folders of one place.
 void collect(std::vector<InstalledSet>& sets, const fs::path& place, bool packaged, const fs::path& link) {
     std::error_code failure;
+    std::error_code gone; // others may remove sets meanwhile
     std::vector<InstalledSet> found;
     for (fs::directory_iterator entry(place, failure), end; !failure && entry != end;
          entry.increment(failure)) {
         const std::string folder = entry->path().filename().string();
-        if (folder.starts_with('.') || !entry->is_directory(failure))
+        if (folder.starts_with('.') || !entry->is_directory(gone))
             continue;
         found.push_back(
             {packaged ? folder : nameOf(folder), entry->path(), packaged, sameFolder(link, entry->path())});
@@ -84,29 +88,24 @@ void collect(std::vector<InstalledSet>& sets, const fs::path& place, bool packag
     std::ranges::move(found, std::back_inserter(sets));
 }
 
-/// Opens a folder and takes its lock, or says that somebody else holds it.
-int lockFolder(const fs::path& folder) {
-    const int descriptor = open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    if (descriptor >= 0 && flock(descriptor, LOCK_EX | LOCK_NB) == 0)
-        return descriptor;
-    if (descriptor >= 0)
-        close(descriptor);
-    return -1;
+/// A time behind those of all sets given, even where the clock was put back.
+fs::file_time_type afterAll(const std::vector<InstalledSet>& sets) {
+    fs::file_time_type time = fs::file_time_type::clock::now();
+    for (const InstalledSet& set : sets)
+        time = std::max(time, madeAt(set.folder) + std::chrono::milliseconds(1));
+    return time;
 }
 
-/// What makers left behind whose end did not let them clean up; nobody holds its lock.
-void removeAbandoned(const fs::path& place) {
+/// Makes a folder and those above it that are missing, each for everybody to read.
+void makeOpenFolders(const fs::path& folder) {
     std::error_code ignored;
-    std::vector<fs::path> staged;
-    for (fs::directory_iterator entry(place, ignored), end; !ignored && entry != end;
-         entry.increment(ignored))
-        if (entry->path().filename().string().starts_with(stagedPrefix))
-            staged.push_back(entry->path());
-    for (const fs::path& folder : staged)
-        if (const int lock = lockFolder(folder); lock >= 0) {
-            fs::remove_all(folder, ignored);
-            close(lock);
-        }
+    if (folder.empty() || fs::exists(folder, ignored))
+        return;
+    makeOpenFolders(folder.parent_path());
+    constexpr fs::perms open = fs::perms::owner_all | fs::perms::group_read | fs::perms::group_exec |
+                               fs::perms::others_read | fs::perms::others_exec;
+    if (fs::create_directory(folder, ignored))
+        fs::permissions(folder, open, ignored);
 }
 
 /// Everybody may read, as a host runs as anybody.
@@ -136,13 +135,32 @@ bool onDisk(const fs::path& folder) {
     return synced(folder) && all;
 }
 
-/// A name that nothing has yet.
-fs::path unusedName(const fs::path& wanted) {
-    fs::path name = wanted;
+SetKind kindOf(const fs::path& folder) { return ownRooms(folder).empty() ? SetKind::head : SetKind::ownRoom; }
+
+/// Where a plain folder is after it has changed places with the link, and before it is listed.
+fs::path unsettled(const fs::path& place) { return place / ".plain-folder"; }
+
+/// Lets a plain folder be listed that has changed places with the link, or takes a link away that was made for it and never
+/// got there, as its maker was killed.
+void settlePlainFolder(const fs::path& place) {
     std::error_code ignored;
-    for (int number = 2; fs::exists(fs::symlink_status(name, ignored)); ++number)
-        name = wanted.string() + "-" + std::to_string(number);
-    return name;
+    const fs::file_status there = fs::symlink_status(unsettled(place), ignored);
+    if (fs::is_symlink(there))
+        fs::remove(unsettled(place), ignored);
+    else if (fs::exists(there))
+        fs::rename(unsettled(place), unusedName(place / "plain-folder"), ignored);
+}
+
+/// Replaces the link by a rename, or lets a fresh one change places with a plain folder, in one step.
+bool putLink(const fs::path& target, const fs::path& link, const fs::path& fresh, bool exchange) {
+    std::error_code failure;
+    fs::create_symlink(target, fresh, failure);
+    if (failure)
+        throw DataError("No link can be made in \"" + link.parent_path().string() +
+                        "\": " + failure.message() + ".");
+    if (exchange)
+        return renameat2(AT_FDCWD, fresh.c_str(), AT_FDCWD, link.c_str(), RENAME_EXCHANGE) == 0;
+    return std::rename(fresh.c_str(), link.c_str()) == 0;
 }
 
 } // namespace
@@ -155,19 +173,6 @@ void requireSetName(std::string_view name) {
         throw DataError("\"" + std::string(name) +
                         "\" cannot name a set: use letters, digits, dots, dashes and underscores, a letter "
                         "or digit first.");
-}
-
-StagedSet::StagedSet(fs::path made) : path(std::move(made)), lock(lockFolder(path)) {}
-
-StagedSet::StagedSet(StagedSet&& other) noexcept
-    : path(std::exchange(other.path, fs::path())), lock(std::exchange(other.lock, -1)) {}
-
-StagedSet::~StagedSet() {
-    std::error_code ignored;
-    if (!path.empty())
-        fs::remove_all(path, ignored);
-    if (lock >= 0)
-        close(lock);
 }
 
 SetStore::SetStore(fs::path rootFolder, fs::path packagedFolder)
@@ -184,28 +189,30 @@ SetStore SetStore::ofThisMachine() {
 
 std::vector<InstalledSet> SetStore::sets() const {
     std::vector<InstalledSet> all;
-    collect(all, root / "sets", false, link());
+    collect(all, place(), false, link());
     collect(all, packaged, true, link());
     return all;
 }
 
+std::vector<InstalledSet> SetStore::madeHere(const std::string& name) const {
+    std::vector<InstalledSet> made = sets();
+    std::erase_if(made, [&](const InstalledSet& set) { return set.packaged || set.name != name; });
+    std::ranges::stable_sort(made, std::ranges::greater(),
+                             [](const InstalledSet& set) { return madeAt(set.folder); });
+    return made;
+}
+
 InstalledSet SetStore::find(const std::string& name) const {
     const std::vector<InstalledSet> all = sets();
-    std::optional<InstalledSet> best;
-    for (const InstalledSet& set : all) {
-        if (set.folder.filename() == name && !set.packaged)
+    for (const InstalledSet& set : all)
+        if ((!set.packaged && set.folder.filename() == name) ||
+            (fs::path(name).is_absolute() && sameFolder(name, set.folder)))
             return set;
-        if (fs::path(name).is_absolute() && sameFolder(name, set.folder))
+    if (const std::vector<InstalledSet> made = madeHere(name); !made.empty())
+        return made.front();
+    for (const InstalledSet& set : all)
+        if (set.name == name)
             return set;
-        if (set.name != name)
-            continue;
-        const bool latest =
-            best && !best->packaged && !set.packaged && madeAt(set.folder) > madeAt(best->folder);
-        if (!best || latest)
-            best = set;
-    }
-    if (best)
-        return *best;
     std::string known;
     for (const InstalledSet& set : all)
         known += (known.empty() ? "\"" : ", \"") + set.name + "\"";
@@ -222,56 +229,91 @@ std::optional<fs::path> SetStore::linked() const {
     return target.is_absolute() ? target : root / target;
 }
 
+void SetStore::requireKind(const std::string& name, SetKind kind) const {
+    const std::vector<InstalledSet> made = madeHere(name);
+    if (made.empty() || kindOf(made.front().folder) == kind)
+        return;
+    throw DataError("The name \"" + name + "\" belongs to a set " +
+                    (kind == SetKind::head ? "with" : "without") +
+                    " a room of one's own, which stays as it is: choose another with --name.");
+}
+
 StagedSet SetStore::stage() const {
-    const fs::path place = root / "sets";
-    std::error_code failure;
-    fs::create_directories(place, failure);
-    if (access(place.c_str(), W_OK) != 0)
+    makeOpenFolders(place());
+    if (access(place().c_str(), W_OK) != 0)
         refuseRoot(root);
-    removeAbandoned(place);
-    std::string folder = (place / (std::string(stagedPrefix) + "XXXXXX")).string();
-    if (mkdtemp(folder.data()) == nullptr)
-        throw DataError("\"" + place.string() + "\" takes no new set: make room on its disk.");
-    return StagedSet(folder);
+    return StagedSet(place());
 }
 
 fs::path SetStore::publish(StagedSet staged, const std::string& name) const {
     requireSetName(name);
-    const fs::path place = root / "sets";
     const std::string digits = sha256OfText(textOf(staged.folder() / aboutFileName)).substr(0, digitCount);
     openToAll(staged.folder());
     if (!onDisk(staged.folder()))
-        throw DataError("The set cannot be put on the disk of \"" + place.string() + "\": make room on it.");
+        throw DataError("The set cannot be put on the disk of \"" + place().string() +
+                        "\": make room on it.");
+    const StoreLock others(place());
+    requireKind(name, kindOf(staged.folder()));
     std::error_code failure;
-    fs::path folder = unusedName(place / (name + "-" + digits));
+    fs::last_write_time(staged.folder() / aboutFileName, afterAll(madeHere(name)), failure);
+    fs::path folder = unusedName(place() / (name + "-" + digits));
     fs::rename(staged.folder(), folder, failure);
     if (failure)
-        throw DataError("The set cannot be put into \"" + place.string() + "\": " + failure.message() + ".");
-    staged.path.clear();
-    for (const InstalledSet& old : sets())
-        if (old.name == name && !old.packaged && !old.used && old.folder != folder)
-            fs::remove_all(old.folder, failure);
+        throw DataError("The set cannot be put into \"" + place().string() + "\": " + failure.message() +
+                        ".");
+    staged.release();
     return folder;
+}
+
+void SetStore::makeLatest(const InstalledSet& set) const {
+    const StoreLock others(place());
+    std::error_code failure;
+    fs::last_write_time(set.folder / aboutFileName, afterAll(madeHere(set.name)), failure);
+    if (failure == std::errc::no_such_file_or_directory)
+        throw DataError("The set \"" + set.folder.string() + "\" has just been removed: run the same again.");
+    if (failure)
+        refuseRoot(root);
+}
+
+std::vector<InstalledSet> SetStore::removeOlder(const std::string& name) const {
+    constexpr std::ptrdiff_t kept = 2;
+    const StoreLock others(place());
+    std::vector<InstalledSet> old = madeHere(name);
+    old.erase(old.begin(), old.begin() + std::min(kept, std::ssize(old)));
+    std::erase_if(old,
+                  [](const InstalledSet& set) { return set.used || kindOf(set.folder) == SetKind::ownRoom; });
+    std::error_code failure;
+    for (const InstalledSet& set : old) {
+        // What is half removed must not look like a set.
+        const fs::path hidden = nameForRemoval(place());
+        fs::rename(set.folder, hidden, failure);
+        if (!failure)
+            fs::remove_all(hidden, failure);
+    }
+    std::erase_if(old, [&](const InstalledSet& set) { return fs::exists(set.folder, failure); });
+    return old;
 }
 
 void SetStore::use(const InstalledSet& set) const {
     const StagedSet staged = stage();
-    const fs::path target = set.packaged ? set.folder : fs::path("sets") / set.folder.filename();
+    const StoreLock others(place());
+    settlePlainFolder(place());
     std::error_code failure;
-    const bool plainFolder = fs::is_directory(fs::symlink_status(link(), failure));
-    const fs::path fresh =
-        plainFolder ? unusedName(root / "sets" / "plain-folder") : staged.folder() / link().filename();
-    fs::create_symlink(target, fresh, failure);
-    if (failure)
-        throw DataError("No link can be made in \"" + root.string() + "\": " + failure.message() + ".");
-    // A folder cannot be replaced by a rename, but it can change places with the link in one step.
-    const int result = plainFolder
-                           ? renameat2(AT_FDCWD, fresh.c_str(), AT_FDCWD, link().c_str(), RENAME_EXCHANGE)
-                           : std::rename(fresh.c_str(), link().c_str());
-    if (result == 0)
-        return;
-    fs::remove(fresh, failure);
-    throw DataError("\"" + link().string() + "\" cannot be replaced by a link: move it away by hand first.");
+    if (!fs::is_directory(set.folder, failure))
+        throw DataError("The set \"" + set.folder.string() + "\" has just been removed: choose another.");
+    const fs::file_status before = fs::symlink_status(link(), failure);
+    if (fs::exists(before) && !fs::is_symlink(before) && !fs::is_directory(before))
+        throw DataError(
+            "\"" + link().string() +
+            "\" is neither a link nor a folder, so it is not replaced: move it away by hand first.");
+    const bool plainFolder = fs::is_directory(before);
+    const fs::path target = set.packaged ? set.folder : fs::path("sets") / set.folder.filename();
+    const bool put = putLink(
+        target, link(), plainFolder ? unsettled(place()) : staged.folder() / link().filename(), plainFolder);
+    settlePlainFolder(place());
+    if (!put)
+        throw DataError("\"" + link().string() +
+                        "\" cannot be replaced by a link: move it away by hand first.");
 }
 
 } // namespace orvane::kestrum::tools

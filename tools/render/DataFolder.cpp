@@ -45,10 +45,10 @@ void requireRateAndData(double sampleRate, const std::filesystem::path& folder) 
     std::error_code ignored;
     if (!std::filesystem::is_directory(folder, ignored))
         throw RenderError("The plug-in's data folder \"" + folder.string() +
-                          "\" is missing: run scripts/install-data, which makes and installs it.");
+                          "\" is missing: \"kestrum doctor\" names the command that installs it.");
     if (!std::filesystem::is_regular_file(folder / row->responses, ignored))
         throw RenderError("The plug-in's data folder \"" + folder.string() + "\" lacks " + row->responses +
-                          ": run scripts/install-data, which makes and installs it.");
+                          ": \"kestrum doctor\" names the command that installs it.");
 }
 
 } // namespace orvane::kestrum::render

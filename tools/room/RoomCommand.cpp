@@ -87,6 +87,7 @@ std::optional<StagedSet> requirePlace(const RoomRequest& request, const SetStore
         return std::nullopt;
     }
     requireSetName(request.name);
+    store.requireKind(request.name, SetKind::ownRoom);
     return store.stage();
 }
 
