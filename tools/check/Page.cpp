@@ -138,9 +138,7 @@ void writePart(std::string_view word, const PageContent& content, std::ostream& 
 } // namespace
 
 void writePage(const PageContent& content, const std::filesystem::path& path) {
-    std::filesystem::path unfinished = path;
-    unfinished += ".part";
-    std::ofstream out(unfinished, std::ios::binary);
+    std::ofstream out(path, std::ios::binary);
     std::string_view rest = pageFile("page.html");
     for (std::size_t open = rest.find("{{"); open != std::string_view::npos; open = rest.find("{{")) {
         const std::size_t close = rest.find("}}", open);
@@ -150,13 +148,8 @@ void writePage(const PageContent& content, const std::filesystem::path& path) {
     }
     out << rest;
     out.close();
-    std::error_code failure;
-    if (out)
-        std::filesystem::rename(unfinished, path, failure);
-    if (!out || failure) {
-        std::filesystem::remove(unfinished, failure);
+    if (!out)
         throw CheckError("The page \"" + path.string() + "\" cannot be written: is the disk full?");
-    }
 }
 
 bool isPage(const std::filesystem::path& path) {
