@@ -140,10 +140,10 @@ void report(const PageContent& content, const CheckOptions& options, std::ostrea
 
 void runCheck(const CheckOptions& options, std::ostream& out) {
     const Mix mix = openMix(options.mix);
-    const std::string layout = chooseLayout(mix.channelCount, options.layout);
-    render::requireRateAndData(mix.sampleRate);
     for (const auto& path : {mix.path, std::filesystem::absolute(options.folder)})
         render::requireUtf8(path);
+    const std::string layout = chooseLayout(mix.channelCount, options.layout);
+    render::requireRateAndData(mix.sampleRate);
     const std::filesystem::path bundle = render::chooseBundle(options.plugin);
     const std::string sources = render::sourcesText(mix.path, bundle);
     requireSound(mix);
