@@ -28,16 +28,19 @@ namespace orvane::kestrum::check {
 
 namespace {
 
-/// How much of each sound lies on the disk. The tail behind the mix is short and not counted.
+/// How much of each sound lies on the disk. The tail behind the mix is short and not counted; nor is an earlier sound that
+/// has not been written over yet.
 std::vector<double> sharesOf(std::span<const SceneJob> jobs, std::span<const TaskState> states,
-                             const Mix& mix) {
+                             const Mix& mix, std::filesystem::file_time_type begun) {
     constexpr double bytesPerFrame = 8;
     std::vector<double> shares;
     for (std::size_t index = 0; index < jobs.size(); ++index) {
         std::error_code notYet;
+        const bool earlier = last_write_time(jobs[index].sound, notYet) < begun;
         const std::uintmax_t bytes = file_size(jobs[index].sound, notYet);
-        const double share =
-            notYet ? 0 : static_cast<double>(bytes) / (bytesPerFrame * static_cast<double>(mix.frameCount));
+        const double share = notYet || earlier ? 0
+                                               : static_cast<double>(bytes) /
+                                                     (bytesPerFrame * static_cast<double>(mix.frameCount));
         shares.push_back(states[index] == TaskState::done ? 1 : std::min(share, 0.99));
     }
     return shares;
@@ -50,9 +53,10 @@ void renderScenes(const std::vector<SceneJob>& jobs, const Mix& mix, const Check
         tasks.push_back({job.scene, job.command});
         names.push_back(job.scene);
     }
+    const auto begun = std::filesystem::file_time_type::clock::now();
     ProgressTable table(stderr, names);
     runTasks(tasks, options.processes.value_or(std::max(1u, std::thread::hardware_concurrency())),
-             [&](std::span<const TaskState> states) { table.show(sharesOf(jobs, states, mix)); });
+             [&](std::span<const TaskState> states) { table.show(sharesOf(jobs, states, mix, begun)); });
 }
 
 /// The Scenes in the menu's order, then the downmix.
