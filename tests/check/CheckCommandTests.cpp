@@ -55,6 +55,19 @@ TEST(CheckDocumentation, ShowsTheHelpThatTheProgramPrints) {
                 HasSubstr("```text\n" + help + "```"));
 }
 
+/// The name comes from a mix that was made on another system.
+TEST(CheckProgram, RefusesANameThatFactsCannotHoldWithOneSentence) {
+    const ::test::ScratchFolder folder;
+    const auto mix = folder.path / "mix\xff.wav";
+    ::test::writeSound(mix, std::vector<float>(6 * 4800, 0.1f), 6);
+    const std::string command = "\"" KESTRUM_PROGRAM "\" check '" + mix.string() + "' '" +
+                                (folder.path / "out").string() + "' --layout '5.1 ITU' 2>&1; echo $?";
+    EXPECT_THAT(::test::outputOf(command),
+                HasSubstr("is not UTF-8, in which facts are written: rename the file "
+                          "or folder.\n1\n"));
+    EXPECT_FALSE(std::filesystem::exists(folder.path / "out"));
+}
+
 TEST(CheckProgram, FailsWithOneSentence) {
     EXPECT_THAT(::test::outputOf("\"" KESTRUM_PROGRAM "\" check /none.wav out 2>&1; echo $?"),
                 ::testing::MatchesRegex("kestrum: The input \"/none.wav\" cannot be read .*\n1\n"));

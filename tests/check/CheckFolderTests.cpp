@@ -25,7 +25,8 @@ TEST_F(CheckFolder, IsMadeWithItsParts) {
     prepareFolder(folder / "a" / "b", mix);
     EXPECT_TRUE(std::filesystem::is_directory(folder / "a" / "b" / "rendered"));
     EXPECT_TRUE(std::filesystem::is_directory(folder / "a" / "b" / "matched"));
-    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder / "a" / "b"), {}), 2);
+    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder / "a" / "b"), {}), 3);
+    EXPECT_TRUE(std::filesystem::exists(folder / "a" / "b" / ".kestrum-check")); // by which it is known
 }
 
 /// A file in the way stops everybody, root too, whom permissions do not.
@@ -53,23 +54,52 @@ TEST_F(CheckFolder, IsRefusedWhenTheMixItselfLiesAmongTheResults) {
     }
 }
 
-TEST_F(CheckFolder, OfAnotherMixIsWrittenOverOnlyWhenAskedTo) {
+TEST_F(CheckFolder, WithSomebodyElsesFilesInThePlacesOfResultsIsLeftAlone) {
+    for (const char* const own : {"rendered/Club.wav", "rendered/Club.json", "matched/Plain downmix.flac"}) {
+        const auto theirs = folder / std::filesystem::path(own).stem();
+        std::filesystem::create_directories((theirs / own).parent_path());
+        ::test::writeText(theirs / own, "my own");
+        EXPECT_THAT(refusalOf([&] { prepareFolder(theirs, mix); }),
+                    HasSubstr(std::string(own) +
+                              "\" is in the place of a result and no check made it: name another folder."));
+        EXPECT_EQ(::test::readText(theirs / own), "my own");
+        EXPECT_FALSE(std::filesystem::exists(theirs / ".kestrum-check"));
+        std::filesystem::remove_all(theirs);
+    }
+}
+
+TEST_F(CheckFolder, OnceMarkedMayHoldItsOwnResults) {
+    prepareFolder(folder, mix);
+    ::test::writeText(renderedFile(folder, "Club"), "cut off");
+    EXPECT_EQ(refusalOf([&] { prepareFolder(folder, mix); }), "accepted");
+    EXPECT_EQ(::test::readText(renderedFile(folder, "Club")), "cut off");
+}
+
+TEST_F(CheckFolder, LetsInOneCheckAtATime) {
+    prepareFolder(folder, mix);
+    {
+        const FolderLock first(folder);
+        EXPECT_THAT(refusalOf([&] { const FolderLock second(folder); }),
+                    HasSubstr("Another check is at work in the folder"));
+        EXPECT_EQ(refusalOf([&] { prepareFolder(folder, mix); }), "accepted") << "the list of jobs needs it";
+    }
+    EXPECT_EQ(refusalOf([&] { const FolderLock next(folder); }), "accepted");
+}
+
+TEST_F(CheckFolder, OfAnotherMixIsWrittenOverOnlyWhenAskedToAndNothingIsRemovedBeforehand) {
     prepareFolder(folder, mix);
     const auto jobs = sceneJobs(mix, "5.1 ITU", folder / "rendered", "kestrum", {});
-    const std::string others =
-        "{\"input\": \"/elsewhere/mix.wav\", \"layout\": \"5.1 ITU\", \"scene\": \"Club\", "
-        "\"inputFrames\": 100, \"channels\": 6, \"sampleRate\": 48000, \"outputFrames\": 0}";
+    const std::string others = R"({"layout": "5.1 ITU", "scene": "Club", "sources": {}, "outputFrames": 0})";
     ::test::writeText(renderedFile(folder, "Club"), "sound");
+    ::test::writeText(renderedFile(folder, "Van"), "under way");
     ::test::writeText(folder / "rendered" / "Club.json", others);
 
-    EXPECT_THAT(
-        refusalOf([&] { jobsToRun(jobs, mix, "5.1 ITU", false); }),
-        HasSubstr(
-            "holds the check of another mix, of an earlier one, or in another layout: name another folder"));
+    EXPECT_THAT(refusalOf([&] { jobsToRun(jobs, "5.1 ITU", "null", false); }),
+                HasSubstr("holds the check of another mix or of an earlier one, in another layout, or with "
+                          "another plug-in or other data: name another folder"));
+    EXPECT_EQ(jobsToRun(jobs, "5.1 ITU", "null", true).size(), 16u);
     EXPECT_EQ(::test::readText(renderedFile(folder, "Club")), "sound");
-
-    EXPECT_EQ(jobsToRun(jobs, mix, "5.1 ITU", true).size(), 16u);
-    EXPECT_FALSE(std::filesystem::exists(renderedFile(folder, "Club")));
+    EXPECT_EQ(::test::readText(renderedFile(folder, "Van")), "under way");
 }
 
 } // namespace

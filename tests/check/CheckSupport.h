@@ -4,6 +4,7 @@
 #include "check/CheckError.h"
 #include "render/AudioStreams.h"
 #include "render/RenderError.h"
+#include "support/ScratchFolder.h"
 
 #include <gtest/gtest.h>
 
@@ -17,20 +18,11 @@ namespace test {
 
 /// A folder of its own for every test, gone behind it.
 class FolderTest : public ::testing::Test {
-protected:
-    FolderTest() {
-        const auto* const info = ::testing::UnitTest::GetInstance()->current_test_info();
-        folder = std::filesystem::temp_directory_path() /
-                 (std::string("kestrum_check_") + info->test_suite_name() + "_" + info->name());
-        std::filesystem::remove_all(folder);
-        std::filesystem::create_directories(folder);
-    }
-
-public:
-    ~FolderTest() override { std::filesystem::remove_all(folder); }
+private:
+    ScratchFolder scratch;
 
 protected:
-    std::filesystem::path folder;
+    std::filesystem::path folder = scratch.path;
 };
 
 /// Interleaved frames as a WAV file of 32-bit float.

@@ -2,6 +2,7 @@
 #include "check/SceneJobs.h"
 
 #include "CheckSupport.h"
+#include "render/Sources.h"
 #include "support/CommandOutput.h"
 
 #include <gmock/gmock.h>
@@ -22,21 +23,25 @@ protected:
         mix = openMix(folder / "mix.wav");
         jobs = sceneJobs(mix, "5.1 ITU", folder / "out", "/bin/kestrum", {});
         std::filesystem::create_directories(folder / "out");
+        sources = sourcesNow();
     }
 
     /// As "kestrum render" leaves them.
-    void writeResult(const SceneJob& job, const std::string& layout = "5.1 ITU",
-                     std::uint64_t inputFrames = 100) {
+    void writeResult(const SceneJob& job, const std::string& layout = "5.1 ITU") {
         ::test::writeSound(job.sound, std::vector<float>(2 * 120, 0.1f), 2);
-        ::test::writeText(job.facts, "{\"input\": \"" + mix.path.string() +
-                                         "\", \"sampleRate\": 48000, \"channels\": 6, "
-                                         "\"layout\": \"" +
-                                         layout + "\", \"scene\": \"" + job.scene + "\", \"inputFrames\": " +
-                                         std::to_string(inputFrames) + ", \"outputFrames\": 120}");
+        ::test::writeText(job.facts, R"({"layout": ")" + layout + R"(", "scene": ")" + job.scene +
+                                         R"(", "sources": )" + sources + R"(, "outputFrames": 120})");
+    }
+
+    JobResult resultNow(const SceneJob& job) const { return resultOf(job, "5.1 ITU", sourcesNow()); }
+
+    std::string sourcesNow() const {
+        return orvane::kestrum::render::sourcesText(mix.path, folder / "P.vst3", folder);
     }
 
     Mix mix;
     std::vector<SceneJob> jobs;
+    std::string sources;
 };
 
 TEST_F(Jobs, AreOnePerSceneWithResultsOfTheirOwn) {
@@ -60,35 +65,54 @@ TEST_F(Jobs, HandOnANamedBundle) {
 }
 
 TEST_F(Jobs, AreReadyOnceSoundAndFactsAreThere) {
-    EXPECT_EQ(resultOf(jobs[3], mix, "5.1 ITU"), JobResult::missing);
+    EXPECT_EQ(resultNow(jobs[3]), JobResult::missing);
     writeResult(jobs[3]);
-    EXPECT_EQ(resultOf(jobs[3], mix, "5.1 ITU"), JobResult::ready);
+    EXPECT_EQ(resultNow(jobs[3]), JobResult::ready);
 }
 
 TEST_F(Jobs, AreMissingWhenTheyWereCutOff) {
     writeResult(jobs[0]);
     std::filesystem::resize_file(jobs[0].sound, 500);
-    EXPECT_EQ(resultOf(jobs[0], mix, "5.1 ITU"), JobResult::missing);
+    EXPECT_EQ(resultNow(jobs[0]), JobResult::missing);
     writeResult(jobs[0]);
     std::filesystem::resize_file(jobs[0].facts, 40);
-    EXPECT_EQ(resultOf(jobs[0], mix, "5.1 ITU"), JobResult::missing);
+    EXPECT_EQ(resultNow(jobs[0]), JobResult::missing);
     writeResult(jobs[0]);
     std::filesystem::remove(jobs[0].sound);
-    EXPECT_EQ(resultOf(jobs[0], mix, "5.1 ITU"), JobResult::missing);
+    EXPECT_EQ(resultNow(jobs[0]), JobResult::missing);
 }
 
-TEST_F(Jobs, AreAnotherMixsWhenTheFactsDiffer) {
+TEST_F(Jobs, AreOthersWhenTheLayoutDiffers) {
     writeResult(jobs[0], "5.1 Film");
-    EXPECT_EQ(resultOf(jobs[0], mix, "5.1 ITU"), JobResult::other);
-    writeResult(jobs[0], "5.1 ITU", 99);
-    EXPECT_EQ(resultOf(jobs[0], mix, "5.1 ITU"), JobResult::other);
+    EXPECT_EQ(resultNow(jobs[0]), JobResult::other);
 }
 
-TEST_F(Jobs, AreAnEarlierMixsWhenTheMixIsNewer) {
+TEST_F(Jobs, AreOthersWhenTheMixWasWrittenAnew) {
     writeResult(jobs[0]);
     std::filesystem::last_write_time(mix.path,
-                                     std::filesystem::last_write_time(jobs[0].facts) + std::chrono::hours(1));
-    EXPECT_EQ(resultOf(jobs[0], mix, "5.1 ITU"), JobResult::other);
+                                     std::filesystem::last_write_time(mix.path) + std::chrono::hours(1));
+    EXPECT_EQ(resultNow(jobs[0]), JobResult::other);
+}
+
+/// Another mix of equal length, moved to the place of the first: older than the renderings, and yet not theirs.
+TEST_F(Jobs, AreOthersWhenAnOlderMixTookThePlaceOfTheirs) {
+    writeResult(jobs[0]);
+    std::filesystem::last_write_time(mix.path,
+                                     std::filesystem::last_write_time(mix.path) - std::chrono::hours(1));
+    EXPECT_EQ(resultNow(jobs[0]), JobResult::other);
+}
+
+TEST_F(Jobs, AreOthersWhenTheDataIsOfAnotherHead) {
+    writeResult(jobs[0]);
+    ::test::writeText(folder / "about.json", "{}");
+    EXPECT_EQ(resultNow(jobs[0]), JobResult::other);
+}
+
+TEST_F(Jobs, AreOthersWhenTheFactsDoNotNameTheirSources) {
+    writeResult(jobs[0]);
+    ::test::writeText(jobs[0].facts,
+                      R"({"layout": "5.1 ITU", "scene": ")" + jobs[0].scene + R"(", "outputFrames": 120})");
+    EXPECT_EQ(resultNow(jobs[0]), JobResult::other);
 }
 
 /// The shell itself takes the line apart again.

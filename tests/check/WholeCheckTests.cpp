@@ -10,6 +10,7 @@
 #include <gmock/gmock.h>
 
 #include <algorithm>
+#include <chrono>
 #include <random>
 #include <sstream>
 
@@ -78,17 +79,38 @@ TEST_F(WholeCheck, KeepsWhatIsRenderedAndRefusesAnotherMixInItsPlace) {
     EXPECT_THAT(outputOf(other + " 2>&1; echo status $?"), HasSubstr("--replace.\nstatus 1"));
     EXPECT_EQ(readText(pagePath(folder / "out")), page);
     EXPECT_THAT(outputOf(other + " --replace | wc -l"), HasSubstr("16"));
+    EXPECT_EQ(std::filesystem::last_write_time(renderedFile(folder / "out", "Club")), written)
+        << "a list removes nothing";
+}
+
+/// An earlier take, moved to the place of the mix, is older than the renderings, and as long as the mix was.
+TEST_F(WholeCheck, RefusesAnOlderMixOfTheSameLengthInThePlaceOfTheMix) {
+    ASSERT_THAT(run("out"), HasSubstr("status 0"));
+    const auto mix = folder / "mix.wav";
+    std::filesystem::last_write_time(mix, std::filesystem::last_write_time(mix) - std::chrono::hours(1));
+    EXPECT_THAT(run("out"), HasSubstr("--replace.\nstatus 1"));
+    EXPECT_THAT(run("out", "--replace"), HasSubstr("status 0"));
+}
+
+TEST_F(WholeCheck, LeavesTheCopiesOfTheLastOneWhenItFails) {
+    ASSERT_THAT(run("out"), HasSubstr("status 0"));
+    const auto copy = matchedFile(folder / "out", "Club");
+    const auto written = std::filesystem::last_write_time(copy);
+    const auto inTheWay = matchedFile(folder / "out", "Van") += ".part";
+    std::filesystem::create_directory(inTheWay);
+    EXPECT_THAT(run("out", "--loudness -30"), HasSubstr("cannot be written"));
+    EXPECT_EQ(std::filesystem::last_write_time(copy), written);
 }
 
 /// Every job is one process; run by others, in any order, it gives the same bytes.
 TEST_F(WholeCheck, IsTheSameWhenOthersRunTheListedJobs) {
+    if (outputOf("command -v parallel").empty())
+        GTEST_SKIP() << "GNU parallel is not installed";
     ASSERT_THAT(run("here"), HasSubstr("status 0"));
     const std::string jobs = outputOf(command("there", "--list-jobs"));
     EXPECT_EQ(std::ranges::count(jobs, '\n'), 16);
     ::test::writeText(folder / "jobs", jobs);
-    const bool parallel = !outputOf("command -v parallel").empty();
-    const std::string file = "'" + (folder / "jobs").string() + "'";
-    outputOf(parallel ? "parallel --jobs 2 < " + file : "sort -r " + file + " | sh");
+    outputOf("parallel --jobs 2 < '" + (folder / "jobs").string() + "'");
     EXPECT_EQ(outputOf(command("there", "--list-jobs")), "");
     EXPECT_THAT(run("there"), HasSubstr("16 of 16 Scenes are rendered already and kept"));
     EXPECT_TRUE(readText(pagePath(folder / "here")) == readText(pagePath(folder / "there")));

@@ -187,6 +187,50 @@ class PageTests(unittest.TestCase):
         self.browser.press("ArrowUp")
         self.assertEqual("Mix Room A", self.heard())
 
+    def test_keeps_little_sound_while_somebody_looks_for_a_place(self):
+        """A decoded window of all tracks has 26 MB."""
+        for _ in range(10):
+            self.browser.press("ArrowRight")
+        kept = self.script("await until(() => player.buffers.has(player.windowHere)); return [...player.buffers.keys()]")
+        self.assertLessEqual(len(kept), 2)
+        self.assertIn(3, kept)
+
+    def test_decodes_where_a_held_key_comes_to_rest_and_not_on_the_way(self):
+        decoded = self.script("""
+            const decoded = [], decode = player.decode.bind(player);
+            player.decode = (window) => { decoded.push(window); return decode(window); };
+            const press = () => document.dispatchEvent(new KeyboardEvent("keydown", { key: "ArrowRight" }));
+            for (let count = 0; count < 3; ++count) press();
+            await until(() => decoded.length > 0 && player.buffers.has(3));
+            return decoded;""")
+        self.assertEqual([3], decoded)
+
+    def test_says_in_a_sentence_that_a_browser_cannot_decode_its_sound(self):
+        self.assertEqual("none", self.script("return getComputedStyle(document.getElementById('refusal')).display"))
+        script = self.browser.before_every_page("""
+            OfflineAudioContext.prototype.decodeAudioData = () => Promise.reject(new DOMException("no decoder", "EncodingError"));""")
+        try:
+            self.browser.open(self.url)
+            self.script("await until(() => !document.getElementById('refusal').hidden)")
+            said, disabled, name = self.script("""
+                return [document.getElementById('refusal').innerText, document.getElementById('play').disabled,
+                        document.getElementById('name-a').textContent];""")
+            self.assertIn("This browser cannot decode the sound in this page (Ogg Opus): open the page in another one", said)
+            self.assertTrue(disabled)
+            self.assertEqual("Mix Room A", name, "the figures are shown all the same")
+            self.browser.press(" ")
+            self.assertFalse(self.script("return player.playing"))
+        finally:
+            self.browser.forget(script)
+
+    def test_says_the_same_in_a_browser_without_audio(self):
+        script = self.browser.before_every_page("delete window.AudioContext;")
+        try:
+            self.browser.open(self.url)
+            self.assertFalse(self.browser.run("return document.getElementById('refusal').hidden"))
+        finally:
+            self.browser.forget(script)
+
     def test_leaves_the_keys_of_the_volume_to_it(self):
         self.script("document.getElementById('volume').focus()")
         self.browser.press("ArrowLeft")

@@ -81,6 +81,15 @@ class Browser:
             "cmd": "Emulation.setDeviceMetricsOverride",
             "params": {"width": width, "height": height, "deviceScaleFactor": 1, "mobile": False}})
 
+    def before_every_page(self, script):
+        """Runs a script in every page that is opened, before the page's own. Returns a name for forget()."""
+        return self._send("POST", "/goog/cdp/execute", {
+            "cmd": "Page.addScriptToEvaluateOnNewDocument", "params": {"source": script}})["identifier"]
+
+    def forget(self, script):
+        self._send("POST", "/goog/cdp/execute", {
+            "cmd": "Page.removeScriptToEvaluateOnNewDocument", "params": {"identifier": script}})
+
     def run(self, script, *arguments):
         """The value that a function body returns, or that its promise comes to."""
         wrapped = ("const done = arguments[arguments.length - 1]; const given = Array.from(arguments).slice(0, -1);"

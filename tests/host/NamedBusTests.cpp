@@ -72,7 +72,7 @@ struct NamedBus {
         return {std::istream_iterator<std::string>(words), {}};
     }
 };
-constexpr std::array<NamedBus, 21> buses{{{"Quad", "L R Ls Rs"},
+constexpr std::array<NamedBus, 27> buses{{{"Quad", "L R Ls Rs"},
                                           {"LRCS", "L R C Cs"},
                                           {"5.0 ITU", "L R C Ls Rs"},
                                           {"5.1 ITU", "L R C Lfe Ls Rs"},
@@ -90,6 +90,12 @@ constexpr std::array<NamedBus, 21> buses{{{"Quad", "L R Ls Rs"},
                                           {"8.0", "L R Ls Rs Tfl Tfr Trl Trr"},
                                           {"11.1", "L R C Lfe Ls Rs Tc Tfl Tfc Tfr Trl Trr"},
                                           {"13.1", "L R C Lfe Ls Rs Sl Sr Tc Tfl Tfc Tfr Trl Trr"},
+                                          {"4.0", "L R Ls Rs"},
+                                          {"9.1", "L R C Lfe Ls Rs Tfl Tfr Trl Trr"},
+                                          {"5.0 Film", "L R C Ls Rs"},
+                                          {"5.1 Film", "L R C Lfe Ls Rs"},
+                                          {"5.1 ITU Logic", "L R C Lfe Ls Rs"},
+                                          {"7.1 SDDS Logic", "L R C Lfe Ls Rs Sl Sr"},
                                           {"7.0.4", "L R C Ls Rs Sl Sr Tfl Tfr Trl Trr"},
                                           {"7.1.4", "L R C Lfe Ls Rs Sl Sr Tfl Tfr Trl Trr"},
                                           {"9.1.6", "L R C Lfe Ls Rs Lc Rc Sl Sr Tfl Tfr Trl Trr Tsl Tsr"}}};

@@ -34,6 +34,7 @@ TEST(HeadphoneVersions, LetEveryVoiceOfEveryLayoutComeFromItsLoudspeakersSide) {
         request.layout = layout.name;
         request.output = folder.path / "bus.wav";
         request.rendered = true;
+        request.replace = true; // the file of the layout before
         request.scene = "Analytic Dry";
         request.plugin = KESTRUM_BUNDLE;
         std::ostringstream said;

@@ -14,6 +14,7 @@
 #include <array>
 #include <cmath>
 #include <fstream>
+#include <iterator>
 #include <numeric>
 #include <sstream>
 
@@ -147,9 +148,74 @@ TEST_F(InstalledVoices, LeaveNoFilesBehind) {
     setenv("TMPDIR", temporary.c_str(), 1);
     turnsOf("5.1 ITU");
     request.speechProgram = failingProgram(folder.path);
-    refusalOf(request);
+    request.replace = true;
+    EXPECT_THAT(refusalOf(request), HasSubstr("could not say"));
     unsetenv("TMPDIR");
     EXPECT_TRUE(std::filesystem::is_empty(temporary));
+}
+
+TEST_F(InstalledVoices, WithoutAFolderForTemporaryFilesAreRefusedWithTheRemedy) {
+    setenv("TMPDIR", (folder.path / "none").c_str(), 1);
+    request.layout = "5.1 ITU";
+    EXPECT_THAT(refusalOf(request),
+                ::testing::MatchesRegex("There is no folder for temporary files .*: name one of "
+                                        "yours in TMPDIR\\."));
+    unsetenv("TMPDIR");
+    EXPECT_FALSE(std::filesystem::exists(request.output));
+}
+
+/// What can be known beforehand is refused before a file is written; a stereo bus needs the recordings alone.
+class RefusedRequests : public InstalledVoices {
+protected:
+    RefusedRequests() { request.layout = "Stereo"; }
+
+    std::size_t filesThere() const {
+        return static_cast<std::size_t>(std::distance(std::filesystem::directory_iterator(folder.path), {}));
+    }
+};
+
+TEST_F(RefusedRequests, OfAnUnknownSceneLeaveNoFile) {
+    request.rendered = true;
+    request.scene = "Cave";
+    EXPECT_THAT(refusalOf(request), HasSubstr("There is no Scene \"Cave\"; choose one of: "));
+    EXPECT_EQ(filesThere(), 0u);
+}
+
+TEST_F(RefusedRequests, OfABundleThatIsNotThereLeaveNoFile) {
+    request.rendered = true;
+    request.plugin = folder.path / "none.vst3";
+    EXPECT_THAT(refusalOf(request), HasSubstr("none.vst3\": name the folder whose name ends in .vst3"));
+    EXPECT_EQ(filesThere(), 0u);
+}
+
+TEST_F(RefusedRequests, OfAnotherKindOfFileLeaveNoFile) {
+    for (const char* const name : {"bus", "bus.flac", "mix.mp3"}) {
+        request.output = folder.path / name;
+        EXPECT_THAT(refusalOf(request), HasSubstr("is written as WAV: give it a name that ends in .wav."));
+    }
+    EXPECT_EQ(filesThere(), 0u);
+    request.output = folder.path / "BUS.WAV";
+    EXPECT_EQ(refusalOf(request), "no refusal");
+}
+
+TEST_F(RefusedRequests, OfAFileThatIsThereLeaveItAsItIs) {
+    for (const char* const name : {"bus.wav", "bus-headphones.wav"}) {
+        std::ofstream(folder.path / name) << "my own";
+        request.rendered = true;
+        EXPECT_THAT(refusalOf(request),
+                    HasSubstr(std::string(name) +
+                              "\" is there already: name another, or write over it with --replace."));
+        EXPECT_EQ(std::filesystem::file_size(folder.path / name), 6u);
+        EXPECT_EQ(filesThere(), 1u);
+        std::filesystem::remove(folder.path / name);
+    }
+}
+
+TEST_F(RefusedRequests, MayWriteOverAFileWhenAskedTo) {
+    std::ofstream(request.output) << "my own";
+    request.replace = true;
+    EXPECT_EQ(refusalOf(request), "no refusal");
+    EXPECT_EQ(test::readChannels(request.output).size(), 2u);
 }
 
 } // namespace

@@ -3,10 +3,10 @@
 
 #include "identify/ISpeech.h"
 #include "render/AudioStreams.h"
+#include "support/ScratchFolder.h"
 
 #include <algorithm>
 #include <cmath>
-#include <cstdlib>
 #include <filesystem>
 #include <numbers>
 #include <string>
@@ -90,19 +90,5 @@ inline std::vector<std::vector<float>> readChannels(const std::filesystem::path&
     file.read(pointers, file.frameCount());
     return channels;
 }
-
-/// A folder of this test's own, gone with it.
-class ScratchFolder {
-public:
-    ScratchFolder() {
-        std::string name = (std::filesystem::temp_directory_path() / "kestrum-identify-XXXXXX").string();
-        path = mkdtemp(name.data());
-    }
-    ScratchFolder(const ScratchFolder&) = delete;
-    ScratchFolder& operator=(const ScratchFolder&) = delete;
-    ~ScratchFolder() { std::filesystem::remove_all(path); }
-
-    std::filesystem::path path;
-};
 
 } // namespace test

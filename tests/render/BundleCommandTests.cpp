@@ -5,12 +5,14 @@
 #include "render/AudioStreams.h"
 #include "render/RenderCommand.h"
 #include "render/RenderError.h"
+#include "render/Sources.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
+#include <chrono>
 #include <cmath>
 #include <cstdint>
 #include <filesystem>
@@ -20,6 +22,7 @@
 #include <random>
 #include <sstream>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -293,6 +296,43 @@ TEST_F(WholeRuns, TheFactsAreWrittenAsJson) {
     EXPECT_EQ(facts.at("peak"), peak);
     EXPECT_NEAR(facts.at("peakDb").get<double>(), 20 * std::log10(static_cast<double>(peak)), 1e-6);
     EXPECT_LT(facts.at("integratedLoudnessLufs"), 0.0);
+}
+
+TEST_F(WholeRuns, TheFactsTellTheFilesThatTheSoundWasMadeOf) {
+    options.json = folder / "facts.json";
+    run();
+    const auto facts = nlohmann::json::parse(fileContent(*options.json));
+    EXPECT_EQ(facts.at("sources"), nlohmann::json::parse(sourcesText(options.input, KESTRUM_BUNDLE)));
+}
+
+/// The first text that is said moves the input's time: by then the run has begun.
+class TouchingBuffer final : public std::stringbuf {
+public:
+    explicit TouchingBuffer(std::filesystem::path path) : path(std::move(path)) {}
+
+protected:
+    std::streamsize xsputn(const char* text, std::streamsize count) override {
+        std::filesystem::last_write_time(path,
+                                         std::filesystem::last_write_time(path) + std::chrono::hours(1));
+        return std::stringbuf::xsputn(text, count);
+    }
+
+private:
+    std::filesystem::path path;
+};
+
+TEST_F(WholeRuns, AnInputThatChangesMeanwhileLeavesNoFactsNotEvenThoseOfAnEarlierRun) {
+    options.json = folder / "facts.json";
+    run();
+    TouchingBuffer buffer(options.input);
+    std::ostream said(&buffer);
+    try {
+        runRender(options, said);
+        FAIL() << "expected a refusal";
+    } catch (const RenderError& error) {
+        EXPECT_THAT(error.what(), HasSubstr("changed during the rendering: render anew once"));
+    }
+    EXPECT_FALSE(std::filesystem::exists(*options.json));
 }
 
 TEST_F(WholeRuns, SilenceStaysSilenceAndHasNoLevels) {

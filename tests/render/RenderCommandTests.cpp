@@ -148,6 +148,13 @@ TEST_F(Refusals, AnOutputThatIsTheInput) {
     EXPECT_EQ(refusal(), "Input and output are the same file: name another output.");
 }
 
+TEST_F(Refusals, AFileNameThatFactsCannotHold) {
+    options.output = folder / "out\xff.wav";
+    options.json = folder / "facts.json";
+    EXPECT_THAT(refusal(), HasSubstr("is not UTF-8, in which facts are written: rename the file or folder."));
+    EXPECT_FALSE(std::filesystem::exists(options.output));
+}
+
 TEST_F(Refusals, NoOutputIsMadeWhenTheWorkIsRefused) {
     options.block = 1;
     refusal();

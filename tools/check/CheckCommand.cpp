@@ -29,7 +29,8 @@ void addCheckOptions(CLI::App& command, CheckOptions& options) {
     add("--jobs", options.processes, "N", "Scenes rendered at once; default: as many as cores")
         ->check(CLI::Range(1U, 1024U).description(""));
     add("--plugin", options.plugin, "PATH", "Bundle to load; default: the one beside this program");
-    command.add_flag("--replace", options.replace, "Write over the check of another mix in OUTDIR");
+    command.add_flag("--replace", options.replace,
+                     "Write over the check of another mix, plug-in or data in OUTDIR");
     command.add_flag("--list-jobs", options.listJobs,
                      "Print the command of every Scene still to be rendered, and render none");
     command.footer(
@@ -40,7 +41,7 @@ void addCheckOptions(CLI::App& command, CheckOptions& options) {
         "\n"
         "Then open check/index.html in a browser. Scenes that lie in OUTDIR already, of the same mix and\n"
         "layout, are not rendered again: after the listed jobs the same command without --list-jobs makes\n"
-        "the page.");
+        "the page. To have all rendered anew, delete OUTDIR/rendered.");
 }
 
 void addCheckCommand(CLI::App& program) {

@@ -15,6 +15,8 @@ namespace orvane::kestrum::check {
 ///                       ├─ loudness, peaks, spectrum ─► gains ─► matched/*.flac
 ///                       └─────────────────────────────────────► index.html
 ///
+/// Copies and page of an earlier check stay until all the new ones are whole.
+///
 /// @param out what was chosen and made; with --list-jobs the commands alone.
 /// @throws CheckError and render::RenderError with the remedy.
 void runCheck(const CheckOptions& options, std::ostream& out);

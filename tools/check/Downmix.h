@@ -16,11 +16,12 @@ struct DownmixGains {
 /// The downmix that a listener without the plug-in would hear, one row per channel of the layout.
 ///
 ///     place                                   to its own side   to both    from
-///     left, right (to 60 degrees)             0 dB                         ITU-R BS.775
+///     left, right                             0 dB                         ITU-R BS.775
 ///     centre                                                    -3 dB      ITU-R BS.775
-///     beside and behind, to 110 degrees       -3 dB                        ITU-R BS.775
+///     surrounds at 110 degrees                -3 dB                        ITU-R BS.775
 ///     low frequencies                         left out                     ITU-R BS.775
-///     behind, beyond 110 degrees              -3 dB                        ours
+///     inside and wide of left and right       0 dB (to 60 degrees)         ours
+///     at 90 degrees, and beyond 110           -3 dB                        ours
 ///     straight behind                                           -6 dB      ours
 ///     above, on a side                        -3 dB                        ours
 ///     above, in the middle                                      -6 dB      ours

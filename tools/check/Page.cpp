@@ -2,6 +2,7 @@
 #include "check/Page.h"
 
 #include "channels/ChannelNames.h"
+#include "check/Base64.h"
 #include "check/CheckError.h"
 #include "check/Downmix.h"
 #include "check/LoudnessMatch.h"
@@ -9,7 +10,6 @@
 #include "check/SoundWindows.h"
 #include "check/Spectrum.h"
 
-#include <nettle/base64.h>
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
@@ -25,12 +25,6 @@ namespace {
 using Json = nlohmann::ordered_json;
 
 constexpr std::string_view mark = "<meta name=\"generator\" content=\"kestrum check\">";
-
-std::string base64(std::string_view bytes) {
-    std::string text(BASE64_ENCODE_RAW_LENGTH(bytes.size()), '\0');
-    base64_encode_raw(text.data(), bytes.size(), reinterpret_cast<const std::uint8_t*>(bytes.data()));
-    return text;
-}
 
 /// So many decimals are more than the page shows, and keep it small.
 double rounded(double value, double steps) { return std::round(value * steps) / steps; }
@@ -138,9 +132,7 @@ void writePart(std::string_view word, const PageContent& content, std::ostream& 
 } // namespace
 
 void writePage(const PageContent& content, const std::filesystem::path& path) {
-    std::filesystem::path unfinished = path;
-    unfinished += ".part";
-    std::ofstream out(unfinished, std::ios::binary);
+    std::ofstream out(path, std::ios::binary);
     std::string_view rest = pageFile("page.html");
     for (std::size_t open = rest.find("{{"); open != std::string_view::npos; open = rest.find("{{")) {
         const std::size_t close = rest.find("}}", open);
@@ -150,13 +142,8 @@ void writePage(const PageContent& content, const std::filesystem::path& path) {
     }
     out << rest;
     out.close();
-    std::error_code failure;
-    if (out)
-        std::filesystem::rename(unfinished, path, failure);
-    if (!out || failure) {
-        std::filesystem::remove(unfinished, failure);
+    if (!out)
         throw CheckError("The page \"" + path.string() + "\" cannot be written: is the disk full?");
-    }
 }
 
 bool isPage(const std::filesystem::path& path) {

@@ -33,8 +33,7 @@ struct PageContent {
 
 inline constexpr const char* downmixName = "Plain downmix";
 
-/// Writes the page, which needs nothing but itself: style, scripts, fonts, figures and sound are inside. A page that is
-/// there already is replaced once the new one is whole.
+/// Writes the page, which needs nothing but itself: style, scripts, fonts, figures and sound are inside.
 /// @throws CheckError when it cannot be written.
 void writePage(const PageContent& content, const std::filesystem::path& path);
 

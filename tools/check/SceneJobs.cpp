@@ -27,7 +27,7 @@ std::string forShell(std::string_view word) {
     return text + "'";
 }
 
-/// Frames that the WAV file of a job holds, by its facts and by its size alike; false when they disagree.
+/// @return true when the job's sound is at least as large as the frames that its facts tell of.
 bool whole(const SceneJob& job, const nlohmann::json& facts) {
     constexpr std::uintmax_t bytesPerFrame = 8;
     std::error_code unreadable;
@@ -56,17 +56,15 @@ std::vector<SceneJob> sceneJobs(const Mix& mix, const std::string& layout,
     return jobs;
 }
 
-JobResult resultOf(const SceneJob& job, const Mix& mix, const std::string& layout) {
+JobResult resultOf(const SceneJob& job, const std::string& layout, const std::string& sources) {
     std::ifstream file(job.facts);
     if (!file)
         return JobResult::missing;
     try {
         const auto facts = nlohmann::json::parse(file);
-        const bool same = facts.at("input") == mix.path.string() && facts.at("layout") == layout &&
-                          facts.at("scene") == job.scene && facts.at("inputFrames") == mix.frameCount &&
-                          facts.at("channels") == mix.channelCount &&
-                          facts.at("sampleRate") == mix.sampleRate;
-        if (!same || last_write_time(job.facts) < last_write_time(mix.path))
+        const bool same = facts.at("layout") == layout && facts.at("scene") == job.scene &&
+                          facts.contains("sources") && facts["sources"] == nlohmann::json::parse(sources);
+        if (!same)
             return JobResult::other;
         return whole(job, facts) ? JobResult::ready : JobResult::missing;
     } catch (const nlohmann::json::exception&) {

@@ -20,7 +20,7 @@ struct SceneJob {
 };
 
 /// What stands at the place of a job's result.
-enum class JobResult { missing, ready, other }; ///< other: of another or an earlier mix, or another layout.
+enum class JobResult { missing, ready, other }; ///< other: of other sources or another layout.
 
 /// The sixteen jobs in the order of the Scenes.
 /// @param results where the sounds go.
@@ -30,9 +30,10 @@ std::vector<SceneJob> sceneJobs(const Mix& mix, const std::string& layout,
                                 const std::filesystem::path& results, const std::filesystem::path& program,
                                 const std::filesystem::path& plugin);
 
-/// A sound counts as ready only with facts that name this mix and layout and are newer than the mix: a process that
-/// was stopped leaves no facts.
-JobResult resultOf(const SceneJob& job, const Mix& mix, const std::string& layout);
+/// A sound counts as ready only with facts that name this layout and just these sources: a process that was stopped leaves
+/// no facts.
+/// @param sources see render::sourcesText().
+JobResult resultOf(const SceneJob& job, const std::string& layout, const std::string& sources);
 
 /// The command as a line for the shell.
 std::string shellLine(std::span<const std::string> command);

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "check/SoundWindows.h"
 
+#include "check/Base64.h"
 #include "check/CheckError.h"
 #include "check/OggSerial.h"
 
-#include <nettle/base64.h>
 #include <sndfile.h>
 #include <soxr.h>
 
@@ -57,12 +57,6 @@ sf_count_t writeTo(const void* source, sf_count_t count, void* user) {
 }
 
 sf_count_t placeIn(void* user) { return static_cast<sf_count_t>(fileOf(user).position); }
-
-std::string base64(const std::string& bytes) {
-    std::string text(BASE64_ENCODE_RAW_LENGTH(bytes.size()), '\0');
-    base64_encode_raw(text.data(), bytes.size(), reinterpret_cast<const std::uint8_t*>(bytes.data()));
-    return text;
-}
 
 } // namespace
 

@@ -19,7 +19,7 @@ namespace {
 /// A file of this object's own, gone with it.
 class TemporaryFile {
 public:
-    TemporaryFile() : path((std::filesystem::temp_directory_path() / "kestrum-voice-XXXXXX").string()) {
+    TemporaryFile() : path((folder() / "kestrum-voice-XXXXXX").string()) {
         const int file = mkstemp(path.data());
         if (file < 0)
             throw render::RenderError("A voice cannot be written to \"" + path +
@@ -31,6 +31,16 @@ public:
     ~TemporaryFile() { unlink(path.c_str()); }
 
     std::string path;
+
+private:
+    static std::filesystem::path folder() {
+        std::error_code missing;
+        const auto named = std::filesystem::temp_directory_path(missing);
+        if (missing)
+            throw render::RenderError("There is no folder for temporary files (" + missing.message() +
+                                      "): name one of yours in TMPDIR.");
+        return named;
+    }
 };
 
 /// @return the exit status, or that of a shell for a program that a signal ended.

@@ -6,10 +6,14 @@
 #include "parameters/core/GainCompensation.h"
 #include "parameters/core/SpeakerPropertiesConverter.h"
 #include "render/DataFolder.h"
+#include "render/Names.h"
 #include "render/RenderCommand.h"
+#include "render/RenderError.h"
 
 #include <CLI/CLI.hpp>
 
+#include <algorithm>
+#include <cctype>
 #include <iomanip>
 #include <iostream>
 #include <memory>
@@ -47,6 +51,36 @@ void printTurns(const IdentifyRequest& request, const core::LayoutRow& layout, c
     }
 }
 
+bool endsInWav(const std::filesystem::path& path) {
+    std::string extension = path.extension().string();
+    std::ranges::transform(extension, extension.begin(),
+                           [](unsigned char letter) { return static_cast<char>(std::tolower(letter)); });
+    return extension == ".wav";
+}
+
+/// @throws render::RenderError when a file would be of another kind than its name says, or would take another's place.
+void requireNewFiles(const IdentifyRequest& request) {
+    if (!endsInWav(request.output))
+        throw render::RenderError("The output \"" + request.output.string() +
+                                  "\" is written as WAV: give it a name that ends in .wav.");
+    std::vector<std::filesystem::path> files{request.output};
+    if (request.rendered)
+        files.push_back(headphoneVersionOf(request.output));
+    std::error_code ignored;
+    for (const auto& file : files)
+        if (!request.replace && std::filesystem::exists(file, ignored))
+            throw render::RenderError("The file \"" + file.string() +
+                                      "\" is there already: name another, or write over it with --replace.");
+}
+
+/// @throws render::RenderError when the headphone version could not be made.
+void requireRendering(const IdentifyRequest& request) {
+    if (request.scene)
+        render::sceneChoices().find(*request.scene);
+    render::chooseBundle(request.plugin);
+    render::requireRateAndData(request.sampleRate);
+}
+
 void addIdentify(CLI::App& program, std::ostream& out) {
     const auto request = std::make_shared<IdentifyRequest>();
     CLI::App* const command = program.add_subcommand(
@@ -57,6 +91,7 @@ void addIdentify(CLI::App& program, std::ostream& out) {
     command->add_option("OUT", request->output, "WAV file to write, one channel per loudspeaker")
         ->type_name("FILE")
         ->required();
+    command->add_flag("--replace", request->replace, "Write over files of these names");
     command->add_option("--rate", request->sampleRate, "Sample rate of the file; default: 48000")
         ->type_name("HZ")
         ->check(CLI::IsMember(render::servedRates()).description(""));
@@ -116,8 +151,9 @@ std::filesystem::path headphoneVersionOf(const std::filesystem::path& output) {
 
 void runIdentify(const IdentifyRequest& request, std::ostream& out) {
     const core::LayoutRow& layout = layoutNamed(request.layout);
+    requireNewFiles(request);
     if (request.rendered)
-        render::requireRateAndData(request.sampleRate);
+        requireRendering(request);
     EspeakSpeech speech(request.speechProgram);
     const Voices voices(request.recordings, speech, request.sampleRate);
     printTurns(request, layout, writeChannelFile(request.output, layout, voices, request.sampleRate), out);

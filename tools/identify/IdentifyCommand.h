@@ -20,6 +20,7 @@ struct IdentifyRequest {
     std::string layout;
     std::filesystem::path output;
     unsigned sampleRate = 48000;
+    bool replace = false;  ///< Whether files that are there already may be written over.
     bool rendered = false; ///< Also the headphone version, beside the output.
     std::optional<std::string> scene;
     std::optional<std::filesystem::path> plugin;
@@ -33,6 +34,7 @@ void addIdentifyCommands(CLI::App& program, std::ostream& out);
 void addIdentifyCommands(CLI::App& program); ///< Speaks on the standard output.
 
 /// Writes the file, says on `out` when which channel is heard, and renders the file when that is wanted.
+/// Everything that can be looked at beforehand is, so that a refusal leaves no file.
 /// @throws render::RenderError and host::HostError with the remedy.
 void runIdentify(const IdentifyRequest& request, std::ostream& out);
 

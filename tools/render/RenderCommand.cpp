@@ -10,6 +10,7 @@
 #include "render/ProgressBar.h"
 #include "render/RenderError.h"
 #include "render/Renderer.h"
+#include "render/Sources.h"
 
 #include <CLI/CLI.hpp>
 #include <nlohmann/json.hpp>
@@ -33,15 +34,6 @@ constexpr std::uint64_t widestBus = 16;
 constexpr std::uint32_t largestBlock = 65536;
 
 std::string inQuotes(std::string_view text) { return "\"" + std::string(text) + "\""; }
-
-std::filesystem::path chooseBundle(const RenderOptions& options) {
-    if (!options.plugin)
-        return findBundle(std::filesystem::read_symlink("/proc/self/exe").parent_path());
-    if (!std::filesystem::is_directory(*options.plugin))
-        throw RenderError("There is no bundle at " + inQuotes(options.plugin->string()) +
-                          ": name the folder whose name ends in .vst3 with --plugin.");
-    return *options.plugin;
-}
 
 void checkBlock(std::uint32_t block) {
     if (block == 1)
@@ -130,6 +122,24 @@ nlohmann::json orNull(const std::optional<double>& value) {
     return value ? nlohmann::json(*value) : nlohmann::json(nullptr);
 }
 
+/// Facts vouch for a sound. Those of an earlier one go before it is written over, so that a run which is stopped
+/// leaves none.
+void withdrawFacts(const std::filesystem::path& path) {
+    std::error_code ignored; // what cannot be removed cannot be written either, and is refused there
+    if (std::filesystem::is_regular_file(path, ignored))
+        std::filesystem::remove(path, ignored);
+}
+
+/// @throws RenderError when what the result was made of is no longer what it was at the start.
+void requireUnchanged(const RenderOptions& options, const std::filesystem::path& bundle,
+                      const std::string& sources) {
+    if (sourcesText(options.input, bundle) != sources)
+        throw RenderError(
+            "The input " + inQuotes(options.input.string()) +
+            ", the plug-in or its data changed during the rendering: render anew once they stay "
+            "as they are.");
+}
+
 void writeJson(const std::filesystem::path& path, const nlohmann::ordered_json& facts) {
     std::ofstream file(path);
     file << facts.dump(2) << "\n";
@@ -154,9 +164,30 @@ std::filesystem::path findBundle(const std::filesystem::path& programFolder) {
                       "installed: build it (cmake --build --preset release) or name it with --plugin.");
 }
 
+std::filesystem::path chooseBundle(const std::optional<std::filesystem::path>& named) {
+    if (!named)
+        return findBundle(std::filesystem::read_symlink("/proc/self/exe").parent_path());
+    if (!std::filesystem::is_directory(*named))
+        throw RenderError("There is no bundle at " + inQuotes(named->string()) +
+                          ": name the folder whose name ends in .vst3 with --plugin.");
+    return *named;
+}
+
+void requireUtf8(const std::filesystem::path& path) {
+    try {
+        nlohmann::json(path.string()).dump();
+    } catch (const nlohmann::json::type_error&) {
+        throw RenderError("The name " + inQuotes(path.string()) +
+                          " is not UTF-8, in which facts are written: rename the file or folder.");
+    }
+}
+
 void runRender(const RenderOptions& options, std::ostream& out) {
     checkBlock(options.block);
     checkFiles(options);
+    if (options.json)
+        for (const auto& path : {options.input, options.output})
+            requireUtf8(path);
     SoundFileSource source(options.input);
     const std::uint64_t channelCount = source.channelCount();
     if (channelCount > widestBus)
@@ -164,7 +195,9 @@ void runRender(const RenderOptions& options, std::ostream& out) {
                           " channels and the plug-in takes 16 at most: leave some out.");
     requireRateAndData(source.sampleRate());
 
-    host::PluginInstance plugin(std::make_shared<host::Module>(chooseBundle(options)));
+    const std::filesystem::path bundle = chooseBundle(options.plugin);
+    const std::string sources = sourcesText(options.input, bundle);
+    host::PluginInstance plugin(std::make_shared<host::Module>(bundle));
     if (!plugin.setChannelCounts(static_cast<unsigned>(channelCount), 2))
         throw RenderError("The plug-in refuses a bus of " + std::to_string(channelCount) +
                           " channels: give an input of another channel count.");
@@ -189,6 +222,8 @@ void runRender(const RenderOptions& options, std::ostream& out) {
 
     plugin.prepare(plan.sampleRate, plan.block,
                    options.realtime ? host::ProcessMode::realtime : host::ProcessMode::offline);
+    if (options.json)
+        withdrawFacts(*options.json);
     SoundFileSink file(options.output, source.sampleRate());
     Measurement sink(source.sampleRate(), file);
     const auto started = std::chrono::steady_clock::now();
@@ -199,6 +234,8 @@ void runRender(const RenderOptions& options, std::ostream& out) {
     }
     const double seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - started).count();
     file.close();
+    if (options.json)
+        requireUnchanged(options, bundle, sources);
     if (options.saveState)
         host::writePreset(*options.saveState, {plugin.classId(), plugin.state()});
 
@@ -210,6 +247,7 @@ void runRender(const RenderOptions& options, std::ostream& out) {
         json["input"] = options.input.string();
         json["output"] = options.output.string();
         json["plugin"] = {{"name", plugin.name()}, {"version", plugin.version()}};
+        json["sources"] = nlohmann::ordered_json::parse(sources);
         json["sampleRate"] = source.sampleRate();
         json["channels"] = channelCount;
         json["layout"] = layout.name;

@@ -4,6 +4,7 @@
 #include "render/RenderOptions.h"
 
 #include <filesystem>
+#include <optional>
 #include <ostream>
 
 namespace CLI {
@@ -26,5 +27,13 @@ void runRender(const RenderOptions& options, std::ostream& out);
 /// The bundle that is used when none is named: the one beside the running program, else the installed one.
 /// @throws RenderError when there is none.
 std::filesystem::path findBundle(const std::filesystem::path& programFolder);
+
+/// @return the bundle that `--plugin` names, else what findBundle() finds.
+/// @throws RenderError when there is none.
+std::filesystem::path chooseBundle(const std::optional<std::filesystem::path>& named);
+
+/// Names of files go into facts, which are JSON and hold no other text.
+/// @throws RenderError when a path is not UTF-8.
+void requireUtf8(const std::filesystem::path& path);
 
 } // namespace orvane::kestrum::render

@@ -10,6 +10,14 @@
     const seekSeconds = 5;
     let scene = reference; // what A stands for
 
+    /** Says once that the sound cannot be played here; without sound there is nothing to press. */
+    let refused = false;
+    function refuse() {
+        refused = true;
+        element("refusal").hidden = false;
+        element("play").disabled = true;
+    }
+
     // Sound lies behind this script in the page; until all of it is there, what is missing is waited for.
     const loaded = new Promise((resolve) => {
         if (document.readyState !== "loading") resolve();
@@ -20,8 +28,13 @@
         if (!element(id)) await loaded;
         return element(id).textContent;
     }
+    if (!window.AudioContext || !window.OfflineAudioContext) return refuse();
     const context = new AudioContext({ sampleRate: facts.sound.sampleRate, latencyHint: "interactive" });
     const player = new Player(context, facts.sound, facts.tracks, textOf, facts.seconds);
+    player.failed = () => {
+        refuse();
+        if (player.playing) player.pause(), showPlaying();
+    };
     const track = () => facts.tracks[player.wanted ?? player.selected];
 
     // Numbers as people read them.
@@ -156,6 +169,7 @@
         element("play").setAttribute("aria-label", player.playing ? "Pause" : "Play");
     }
     async function playOrPause() {
+        if (refused) return;
         if (player.playing) {
             player.pause();
         } else {
@@ -164,9 +178,14 @@
         }
         showPlaying();
     }
+    // While nothing plays, the window at the playhead is decoded ahead, so that playing begins at once: where a drag or a
+    // held key comes to rest, and not in every window that it passes.
+    const restMilliseconds = 150;
+    let rest;
     async function seek(seconds) {
         const moved = player.seek(seconds);
-        if (!player.playing) player.decode(player.windowHere); // so that playing begins at once
+        clearTimeout(rest);
+        rest = setTimeout(() => { if (!player.playing) player.decode(player.windowHere); }, restMilliseconds);
         drawWaveform();
         await moved;
     }
@@ -229,6 +248,6 @@
     document.fonts.ready.then(drawAll);
 
     choose(reference);
-    Promise.resolve(player.decode(0)[reference]).then(() => (element("play").disabled = false));
+    Promise.resolve(player.decode(0)[reference]).then(() => (element("play").disabled = refused));
     window.mixCheck = { facts, player, context, textOf }; // for the browser's console, and for tests
 })();

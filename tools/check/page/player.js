@@ -49,6 +49,7 @@ class Player {
         this.playing = false;
         this.buffers = new Map(); // window -> one promise of a buffer per track
         this.sources = new Map(); // window -> one promise of a running source per track
+        this.failed = () => {}; // called with the error when a window cannot be decoded; it stays silent then
         this.run = 0; // counts starts, so that what was decoded for an earlier one is dropped
     }
 
@@ -147,21 +148,32 @@ class Player {
             return;
         }
         const here = this.windowHere;
-        for (const window of this.buffers.keys()) if (window < here || window > here + 1) this.buffers.delete(window);
         for (const window of this.sources.keys()) if (window < here - 1) this.sources.delete(window);
         this.start(here);
         this.start(here + 1);
     }
 
-    /** Decodes a window of every track, once, the selected one first. @return one promise per track. */
+    /** Decodes a window of every track, once, the selected one first; lets go those far from the playhead. @return one promise per track. */
     decode(window) {
+        this.letGo(window);
         if (!this.buffers.has(window)) {
             const promises = [];
             const order = [this.selected, ...this.tracks.keys()];
-            for (const track of order) promises[track] ??= this.bufferOf(track, window);
+            for (const track of order)
+                promises[track] ??= this.bufferOf(track, window).catch((error) => {
+                    this.failed(error);
+                    return null;
+                });
             this.buffers.set(window, promises);
         }
         return this.buffers.get(window);
+    }
+
+    /** Keeps what is decoded of the window at the playhead, of the next one, and of `wanted`. */
+    letGo(wanted) {
+        const here = this.windowHere;
+        for (const window of this.buffers.keys())
+            if (window !== wanted && (window < here || window > here + 1)) this.buffers.delete(window);
     }
 
     /** @return null behind a track's end. */

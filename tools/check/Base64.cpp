@@ -1,0 +1,16 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "check/Base64.h"
+
+#include <nettle/base64.h>
+
+#include <cstdint>
+
+namespace orvane::kestrum::check {
+
+std::string base64(std::string_view bytes) {
+    std::string text(BASE64_ENCODE_RAW_LENGTH(bytes.size()), '\0');
+    base64_encode_raw(text.data(), bytes.size(), reinterpret_cast<const std::uint8_t*>(bytes.data()));
+    return text;
+}
+
+} // namespace orvane::kestrum::check
