@@ -4,9 +4,9 @@
 #include "LinkEnds.h"
 #include "TrackProgram.h"
 
+#include "headlink/Segment.h"
 #include "ipc/OrvaneParameterFactory.h"
 #include "support/CommandOutput.h"
-#include "track/LinkProbe.h"
 #include "track/Rotation.h"
 #include "track/StatusFile.h"
 
@@ -16,13 +16,17 @@
 #include <array>
 #include <cmath>
 #include <csignal>
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <numbers>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
+
+#include <unistd.h>
 
 namespace {
 
@@ -31,6 +35,7 @@ using ::test::becomesTrue;
 using ::test::Listener;
 using ::test::Sender;
 using ::test::TrackProgram;
+using ::testing::ContainsRegex;
 using ::testing::HasSubstr;
 
 const std::vector<std::string> plain{"--osc-port",    "0",   "--opentrack-port", "0",   "--smooth", "0",
@@ -242,21 +247,25 @@ TEST_F(WholeProgram, RefusesASecondOneByNamingTheFirst) {
     TrackProgram second({"--demo"});
     EXPECT_EQ(second.finish(), 1);
     EXPECT_THAT(second.output(),
-                HasSubstr("kestrum: Another kestrum track drives the link already, process " +
-                          std::to_string(first.id()) + " (demo, last packet 0 s ago): end it first"));
+                ContainsRegex("kestrum: Another kestrum track drives the link already, process " +
+                              std::to_string(first.id()) +
+                              " \\(demo, last packet [0-9]+ s ago\\): end it first"));
     EXPECT_TRUE(listener.active()); // nothing lost
     EXPECT_TRUE(Listener().connected());
 }
 
-TEST_F(WholeProgram, TakesTheLinkOverFromOneThatWasKilled) {
+TEST_F(WholeProgram, TakesTheLinkOverFromOneThatWasKilledAndFreesItsInstances) {
+    std::optional<Listener> loadedBefore;
     {
         TrackProgram killed({"--demo"});
-        const Listener listener;
-        ASSERT_TRUE(becomesTrue([&] { return listener.active(); }));
+        loadedBefore.emplace();
+        ASSERT_TRUE(becomesTrue([&] { return loadedBefore->active(); }));
     }
-    EXPECT_TRUE(probeLink()->active); // nobody could clear it
+    EXPECT_TRUE(loadedBefore->active()); // nobody could clear it
     TrackProgram next({"--demo"});
     EXPECT_THAT(next.output(), HasSubstr("The last tracker was ended by force"));
+    EXPECT_THAT(next.output(), HasSubstr("Instances that followed the link before have their dial back"));
+    EXPECT_FALSE(loadedBefore->active());
     const Listener listener;
     EXPECT_TRUE(becomesTrue([&] { return listener.active(); }));
     next.signal(SIGTERM);
@@ -271,9 +280,75 @@ TEST_F(WholeProgram, LeavesTheLinkToAnotherMakersTrackerUnlessToldOtherwise) {
     EXPECT_THAT(refused.output(),
                 HasSubstr("stands still: another tracker drives it, or has crashed. End it, or take "
                           "the link from it with --take-over."));
-    EXPECT_TRUE(Listener().active());
+    const Listener listener;
+    EXPECT_TRUE(listener.active());
     TrackProgram taking({"--demo", "--take-over"});
     EXPECT_THAT(taking.output(), HasSubstr("The link is up."));
+    EXPECT_FALSE(listener.active()); // it follows no one any more
+}
+
+TEST_F(WholeProgram, LeavesTheLinkToOneThatWasStartedWithAnotherRuntimeFolder) {
+    TrackProgram first({"--demo"});
+    ASSERT_TRUE(first.says("Source: demo."));
+    std::filesystem::remove_all(TrackProgram::folder() / "orvane-kestrum"); // as if it lay elsewhere
+    TrackProgram second({"--demo"});
+    EXPECT_EQ(second.finish(), 1);
+    EXPECT_THAT(second.output(), HasSubstr("of another user or of another XDG_RUNTIME_DIR: end it first"));
+    EXPECT_TRUE(Listener().active());
+}
+
+// Who opens a segment of zeros waits until it is finished, which is for ever.
+TEST_F(WholeProgram, ClearsAwayASegmentThatWasNeverFinished) {
+    std::ofstream("/dev/shm/OrvaneSharedMemory") << std::string(65536, '\0');
+    TrackProgram program({"--demo"});
+    EXPECT_THAT(program.output(), HasSubstr("The link is up."));
+    const Listener listener;
+    EXPECT_TRUE(becomesTrue([&] { return listener.active(); }));
+}
+
+// In a mount namespace of its own, so that the machine's shared memory is not touched.
+TEST_F(WholeProgram, SaysThatSharedMemoryIsFullAndLeavesNothingThere) {
+    const std::string inside = "unshare --user --map-root-user --mount sh -c ";
+    if (std::system((inside + "'mount -t tmpfs -o size=32k none /dev/shm' 2>/dev/null").c_str()) != 0)
+        GTEST_SKIP() << "This system allows no mount namespaces.";
+    std::filesystem::create_directories(TrackProgram::folder());
+    const std::string output =
+        ::test::outputOf(inside +
+                         "'mount -t tmpfs -o size=32k none /dev/shm; "
+                         "export XDG_RUNTIME_DIR=" +
+                         TrackProgram::folder().string() +
+                         "; \"" KESTRUM_PROGRAM "\" track --demo 2>&1; echo status $?; ls /dev/shm'");
+    EXPECT_EQ(output,
+              "kestrum: The link cannot be made, since /dev/shm is full: make room there.\nstatus 1\n");
+}
+
+TEST_F(WholeProgram, EndsAfterAMovementThoughAPortIsOpen) {
+    std::filesystem::create_directories(TrackProgram::folder());
+    const auto movement = TrackProgram::folder() / "walk.csv";
+    std::ofstream(movement) << "0,0,0,0\n0.05,45,0,0\n";
+    TrackProgram program({"--replay", movement.string(), "--osc-port", "0", "--glide", "0.05"});
+    EXPECT_EQ(program.finish(), 0);
+}
+
+TEST_F(WholeProgram, FollowsOneOfTwoSendersOfSingleAnglesAndNoneOfTheOther) {
+    TrackProgram program({"--osc-port", "0", "--smooth", "0", "--grid-centre", "off", "--timeout", "10"});
+    const Sender one(program.oscPort()), two(program.oscPort());
+    const Listener listener;
+    EXPECT_TRUE(becomesTrue([&] {
+        one.message("/yaw", {-30});
+        return listener.active() && std::abs(listener.azimuthOfAhead() + 30) < 0.01;
+    }));
+    for (int round = 0; round < 20; ++round) {
+        one.message("/yaw", {-40});
+        two.message("/yaw", {80});
+        two.message("/pitch", {60});
+    }
+    EXPECT_TRUE(becomesTrue([&] {
+        one.message("/yaw", {-40});
+        two.message("/yaw", {80});
+        return std::abs(listener.azimuthOfAhead() + 40) < 0.01 &&
+               std::abs(listener.elevationOfAhead()) < 0.01;
+    }));
 }
 
 TEST_F(WholeProgram, SaysThatAPortIsTaken) {
@@ -303,19 +378,24 @@ TEST_F(WholeProgram, BiasesTheRecordForTheGridUnlessToldNotTo) {
     }));
 }
 
-TEST(LinkProbes, SeeNothingWithoutASegmentAndTheRecordWithOne) {
+TEST(Segments, AreMissingWithoutAServerAndWholeWithOne) {
+    namespace headlink = orvane::kestrum::headlink;
     const ::test::CleanLink clean;
-    EXPECT_FALSE(probeLink());
+    const auto look = [] { return headlink::lookAtSegment("OrvaneSharedMemory", getuid()); };
+    EXPECT_EQ(look().kind, headlink::SegmentState::Kind::missing);
     const auto server = OrvaneIPC::OrvaneParameterFactory().createServer();
-    ASSERT_TRUE(probeLink());
-    EXPECT_FALSE(probeLink()->active);
-    EXPECT_EQ(probeLink()->rotation, orvane::identityRotation);
-    const auto turned = linkMatrix(rotationOf(HeadAngles{30, 0, 0}));
-    server->getHeadRotationServer()->setRotation(turned);
+    EXPECT_EQ(look().kind, headlink::SegmentState::Kind::whole);
+    EXPECT_FALSE(look().active);
+    EXPECT_FALSE(look().held);
     server->getHeadRotationServer()->setActive(true);
-    EXPECT_TRUE(probeLink()->active);
-    EXPECT_FALSE(probeLink()->locked);
-    EXPECT_EQ(probeLink()->rotation, turned);
+    const headlink::SegmentMark mark("OrvaneSharedMemory");
+    const headlink::SegmentState state = look();
+    EXPECT_TRUE(state.active);
+    EXPECT_TRUE(state.held);
+    EXPECT_FALSE(state.locked);
+    const Listener listener;
+    headlink::switchOff("OrvaneSharedMemory", state);
+    EXPECT_FALSE(listener.active());
 }
 
 std::string fileContent(const std::filesystem::path& path) {
