@@ -139,7 +139,8 @@ constexpr Dialect table[]{
      .degreesPerUnit = degrees,
      .signs = rightUpRight,
      .convention = "right",
-     .source = "abaskind/hedrot, receiver; signs: ebu/ear-production-suite, which calls them untested"},
+     .source = "abaskind/hedrot, receiver; the signs are not from its own documentation, but from "
+               "ebu/ear-production-suite, which calls them untested"},
     {.address = "/hedrot/pitch",
      .family = "/hedrot",
      .arguments = Arguments::pitch,
