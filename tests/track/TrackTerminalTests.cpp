@@ -26,8 +26,8 @@ using ::test::Sender;
 using ::test::TrackProgram;
 using ::testing::HasSubstr;
 
-const std::vector<std::string> plain{"--osc-port", "0",    "--opentrack-port", "0",  "--smooth", "0",
-                                     "--glide",    "0.05", "--grid-centre",    "off"};
+const std::vector<std::string> plain{"--osc-port", "0",    "--opentrack-port", "0",   "--smooth",  "0",
+                                     "--glide",    "0.05", "--grid-centre",    "off", "--timeout", "10"};
 
 class OnATerminal : public ::testing::Test {
 public:
