@@ -50,7 +50,7 @@ fs::path fileOf(const std::string& name) { return fs::path("/dev/shm") / name; }
 /// A copy that may be torn: whether something changes is all that is asked of it.
 Record copyOf(const Record& record) {
     Record copy;
-    std::atomic_thread_fence(std::memory_order_seq_cst); // or the compiler may read memory once for all looks
+    std::atomic_signal_fence(std::memory_order_seq_cst); // or the compiler may read memory once for all looks
     std::memcpy(&copy, &record, sizeof copy);
     return copy;
 }
