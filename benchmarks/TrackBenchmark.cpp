@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // "kestrum track" as it runs: how long a packet takes from the sender to the record that plug-ins read, and what the
 // program costs. Needs a free core to watch the record, and the machine's one link.
+#include "track/DatagramSender.h"
+
 #include "ipc/OrvaneParameterFactory.h"
 
 #include <algorithm>
@@ -9,16 +11,14 @@
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
+#include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <stdexcept>
 #include <string>
 #include <vector>
 
-#include <arpa/inet.h>
 #include <csignal>
-#include <netinet/in.h>
-#include <sys/socket.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -31,35 +31,30 @@ using std::chrono::microseconds;
 class Program {
 public:
     Program() {
-        char folder[] = "/tmp/kestrum-benchmark-XXXXXX";
-        if (mkdtemp(folder) == nullptr)
+        if (mkdtemp(folder.data()) == nullptr)
             throw std::runtime_error("There is no room in /tmp: make some.");
         std::array<int, 2> ends{};
         if (pipe(ends.data()) != 0)
             throw std::runtime_error("There is no pipe: end other programs first.");
         id = fork();
         if (id == 0) {
-            setenv("XDG_RUNTIME_DIR", folder, 1);
-            setenv("XDG_CONFIG_HOME", folder, 1);
+            setenv("XDG_RUNTIME_DIR", folder.c_str(), 1);
+            setenv("XDG_CONFIG_HOME", folder.c_str(), 1);
             dup2(ends[1], STDOUT_FILENO);
             execl(KESTRUM_PROGRAM, KESTRUM_PROGRAM, "track", "--osc-port", "0", "--opentrack-port", "0",
                   nullptr);
             _exit(127);
         }
         close(ends[1]);
-        const std::string words = "opentrack on UDP port ";
-        std::string said;
         for (char letter = 0; said.find("The link is up.") == std::string::npos;) {
-            if (read(ends[0], &letter, 1) != 1)
+            if (read(ends[0], &letter, 1) != 1) {
+                end();
                 throw std::runtime_error("The program has not started: is another tracker running?");
+            }
             said.push_back(letter);
         }
-        port = static_cast<std::uint16_t>(std::stoi(said.substr(said.find(words) + words.size())));
     }
-    ~Program() {
-        kill(id, SIGTERM);
-        waitpid(id, nullptr, 0);
-    }
+    ~Program() { end(); }
     Program(const Program&) = delete;
     Program& operator=(const Program&) = delete;
 
@@ -74,32 +69,55 @@ public:
         return (fields[10] + fields[11]) / static_cast<double>(sysconf(_SC_CLK_TCK));
     }
 
-    std::uint16_t port = 0;
+    std::uint16_t oscPort() const { return portAfter("OSC on UDP port "); }
+    std::uint16_t openTrackPort() const { return portAfter("opentrack on UDP port "); }
 
 private:
+    void end() const {
+        kill(id, SIGTERM);
+        waitpid(id, nullptr, 0);
+        std::error_code failure;
+        std::filesystem::remove_all(folder, failure);
+    }
+
+    std::uint16_t portAfter(const std::string& words) const {
+        return static_cast<std::uint16_t>(std::stoi(said.substr(said.find(words) + words.size())));
+    }
+
+    std::string folder = "/tmp/kestrum-benchmark-XXXXXX";
+    std::string said;
     pid_t id = -1;
 };
 
+/// One way of telling a yaw, as often as it is asked to.
 class Sender {
 public:
-    explicit Sender(std::uint16_t port) : socket(::socket(AF_INET, SOCK_DGRAM, 0)) {
-        sockaddr_in address{};
-        address.sin_family = AF_INET;
-        address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-        address.sin_port = htons(port);
-        connect(socket, reinterpret_cast<const sockaddr*>(&address), sizeof(address)); // NOLINT
-    }
-    ~Sender() { close(socket); }
+    Sender(const char* name, std::uint16_t port) : name(name), socket(port) {}
+    virtual ~Sender() = default;
     Sender(const Sender&) = delete;
     Sender& operator=(const Sender&) = delete;
 
-    void send(double yaw) const {
-        const std::array<double, 6> pose{0, 0, 0, yaw, 0, 0};
-        [[maybe_unused]] const ssize_t sent = ::send(socket, pose.data(), sizeof(pose), 0);
-    }
+    virtual void send(double yaw) const = 0;
 
-private:
-    int socket;
+    const char* const name;
+
+protected:
+    const test::Sender socket;
+};
+
+class OpenTrackSender final : public Sender {
+public:
+    explicit OpenTrackSender(std::uint16_t port) : Sender("opentrack", port) {}
+    void send(double yaw) const override {
+        const std::array<double, 6> pose{0, 0, 0, yaw, 0, 0};
+        socket.send(pose.data(), sizeof(pose));
+    }
+};
+
+class OscSender final : public Sender {
+public:
+    explicit OscSender(std::uint16_t port) : Sender("OSC", port) {}
+    void send(double yaw) const override { socket.message("/ypr", {-yaw, 0, 0}); }
 };
 
 /// Sends `count` packets, `interval` apart, and watches each reach the record.
@@ -129,11 +147,12 @@ void measureLatency(const Program& program, const Sender& sender, OrvaneIPC::IHe
     const auto share = [&late](double part) {
         return late[static_cast<std::size_t>(part * static_cast<double>(late.size() - 1))];
     };
-    std::printf("%4.0f packets a second: median %.3f ms, 99 of 100 below %.3f ms, worst %.3f ms, %d not seen "
-                "in time; "
-                "%.2f %% of a core\n",
-                1e6 / static_cast<double>(interval.count()), share(0.5), share(0.99), late.back(), lost,
-                100 * processor / seconds);
+    std::printf(
+        "%9s, %4.0f packets a second: median %.3f ms, 99 of 100 below %.3f ms, worst %.3f ms, %d not seen "
+        "in time; "
+        "%.2f %% of a core\n",
+        sender.name, 1e6 / static_cast<double>(interval.count()), share(0.5), share(0.99), late.back(), lost,
+        100 * processor / seconds);
 }
 
 void measureFlood(const Program& program, const Sender& sender, OrvaneIPC::IHeadRotationClient& record) {
@@ -147,25 +166,33 @@ void measureFlood(const Program& program, const Sender& sender, OrvaneIPC::IHead
         changes += now != last ? 1 : 0;
         last = now;
     }
-    std::printf("a flood of %.0f packets a second: %.0f changes of the record a second; %.0f %% of a core\n",
-                packets / 2.0, changes / 2.0, 100 * (program.processorTime() - processorBefore) / 2);
+    std::printf(
+        "%9s, a flood of %.0f packets a second: %.0f changes of the record a second; %.0f %% of a core\n",
+        sender.name, packets / 2.0, changes / 2.0, 100 * (program.processorTime() - processorBefore) / 2);
+}
+
+/// With a program of its own, as no sender should meet what the one before has left.
+template <typename Kind>
+void measure(std::uint16_t (Program::*portOf)() const) {
+    const Program program;
+    const Kind sender((program.*portOf)());
+    const auto client = OrvaneIPC::OrvaneParameterFactory().createClient();
+    auto& record = client->getHeadRotationClient();
+    for (int packet = 0; packet < 100; ++packet) {
+        sender.send(0);
+        usleep(4000);
+    }
+    for (const int rate : {60, 250})
+        measureLatency(program, sender, record, 10 * rate, microseconds(1000000 / rate));
+    measureFlood(program, sender, record);
 }
 
 } // namespace
 
 int main() {
     try {
-        const Program program;
-        const Sender sender(program.port);
-        const auto client = OrvaneIPC::OrvaneParameterFactory().createClient();
-        auto& record = client->getHeadRotationClient();
-        for (int packet = 0; packet < 100; ++packet) {
-            sender.send(0);
-            usleep(4000);
-        }
-        for (const int rate : {60, 250})
-            measureLatency(program, sender, record, 10 * rate, microseconds(1000000 / rate));
-        measureFlood(program, sender, record);
+        measure<OpenTrackSender>(&Program::openTrackPort);
+        measure<OscSender>(&Program::oscPort);
         return 0;
     } catch (const std::exception& error) {
         std::fprintf(stderr, "track_benchmark: %s\n", error.what());

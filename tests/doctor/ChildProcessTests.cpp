@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "doctor/ChildProcess.h"
+#include "headlink/ChildProcess.h"
 
 #include <gtest/gtest.h>
 #include <unistd.h>
@@ -7,7 +7,7 @@
 #include <csignal>
 #include <stdexcept>
 
-using namespace orvane::kestrum::doctor;
+using namespace orvane::kestrum::headlink;
 
 namespace {
 

@@ -46,6 +46,12 @@ TEST(DoctorOutput, ShowsEachRemedyBelowItsFinding) {
                                  HasSubstr("FAULT    data: "), HasSubstr("note     sound: No card.\n")));
 }
 
+TEST(DoctorOutput, LetsNoNameSteerTheTerminal) {
+    std::ostringstream out;
+    tell({{"tracker", Verdict::good, "From \033]0;title\a.", {}}}, false, out);
+    EXPECT_THAT(out.str(), HasSubstr("From ?]0;title?.\n"));
+}
+
 TEST(DoctorOutput, CanBeReadByPrograms) {
     std::ostringstream out;
     tell(samples, true, out);
@@ -65,7 +71,15 @@ TEST(DoctorOutput, FailsForFaultsAlone) {
 TEST_F(DoctorCommand, LooksAtAnotherSystemBelowAFolder) {
     EXPECT_THAT(run("doctor --root " + places.root.string()),
                 AllOf(HasSubstr("FAULT    bundle: "), HasSubstr("FAULT    data: "),
-                      HasSubstr("refused: 2 faults were found")));
+                      HasSubstr("refused: 2 faults were found: mend them in that system")));
+}
+
+// A command for this machine would mend, or break, the wrong one.
+TEST_F(DoctorCommand, GivesNoCommandsForAnotherSystem) {
+    write(places.root / "usr/lib/vst3" / bundleName / "Contents/other-linux/Orvane KESTRUM.so");
+    const std::string plain = run("doctor --root " + places.root.string());
+    EXPECT_THAT(plain, ::testing::Not(HasSubstr("sudo")));
+    EXPECT_THAT(plain, HasSubstr("holds no binary for this machine"));
 }
 
 TEST_F(DoctorCommand, RefusesARootThatIsNoFolder) {

@@ -11,6 +11,7 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <string>
@@ -58,13 +59,22 @@ protected:
     TemporaryFolder folder;
 };
 
+/// What the shell takes as it stands: prose is a comment.
+MATCHER(IsPasteable, "") {
+    TemporaryFolder folder;
+    const auto script = std::filesystem::path(folder.path()) / "remedy.sh";
+    std::ofstream(script) << arg << "\n";
+    return std::system(("sh -n " + script.string() + " 2>/dev/null").c_str()) == 0 &&
+           (arg.find(" (") == std::string::npos);
+}
+
 /// A finding of a verdict whose sentence and whose remedy hold a text each.
 inline auto Found(orvane::kestrum::doctor::Verdict verdict, const std::string& text,
                   const std::string& remedy = "") {
     using orvane::kestrum::doctor::Finding;
     using namespace ::testing;
     return AllOf(Field("verdict", &Finding::verdict, verdict), Field("text", &Finding::text, HasSubstr(text)),
-                 Field("remedy", &Finding::remedy, HasSubstr(remedy)));
+                 Field("remedy", &Finding::remedy, AllOf(HasSubstr(remedy), IsPasteable())));
 }
 
 } // namespace test

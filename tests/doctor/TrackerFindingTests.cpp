@@ -2,6 +2,7 @@
 // Segments as trackers leave them, sound and damaged, each by a name that no plug-in looks for.
 #include "MadeUpSystem.h"
 
+#include "headlink/Segment.h"
 #include "ipc/HeadRotation.h"
 
 #include <boost/interprocess/managed_shared_memory.hpp>
@@ -78,9 +79,53 @@ TEST_F(TrackerFindings, AnInactiveLinkIsANote) {
 TEST_F(TrackerFindings, AForeignTrackersMovementIsSeen) {
     Record& record = startServer();
     record.active = 1;
+    EXPECT_THAT(
+        checkTracker(places),
+        ElementsAre(test::Found(Verdict::good, "No kestrum track of yours, but another tracker drives the "
+                                               "link, active and still")));
+}
+
+TEST_F(TrackerFindings, ATrackerOfAnotherUserOrRuntimeFolderIsToldFromOneOfAnotherMaker) {
+    startServer().active = 1;
+    const orvane::kestrum::headlink::SegmentMark mark(places.segment);
     EXPECT_THAT(checkTracker(places),
-                ElementsAre(test::Found(Verdict::good, "other than kestrum track drives the link, "
-                                                       "active and still")));
+                ElementsAre(test::Found(Verdict::good, "A kestrum track, but none of yours")));
+}
+
+/// Anyone may put a file among the temporary ones.
+TEST_F(TrackerFindings, AStatusFileOfSomebodyElseIsNoStatus) {
+    if (getuid() != 0)
+        GTEST_SKIP() << "Only root can give a file away.";
+    startServer();
+    tellStatus(true, 0);
+    ASSERT_EQ(chown((places.runtime / "track.json").c_str(), 65534, 65534), 0);
+    EXPECT_THAT(checkTracker(places), ElementsAre(test::Found(Verdict::note, "not active")));
+}
+
+TEST_F(TrackerFindings, AnInstanceWithoutThisSegmentIsNamed) {
+    startServer().active = 1;
+    write(places.below("/proc/100/comm"), "ardour\n");
+    write(places.below("/proc/100/maps"),
+          "7f10b0000000-7f10b1000000 r-xp 00000000 08:01 99   /usr/lib/vst3/Orvane KESTRUM.so\n");
+    EXPECT_THAT(checkTracker(places), ElementsAre(test::Found(Verdict::good, "active and still"),
+                                                  test::Found(Verdict::warning, "\"ardour\" (process 100)")));
+}
+
+TEST_F(TrackerFindings, ASegmentIsSwitchedOffWithoutTakingItsLock) {
+    Record& record = startServer();
+    record.active = 1;
+    record.lock = 1;
+    using namespace orvane::kestrum::headlink;
+    const SegmentState state = lookAtSegment(places.segment, places.user);
+    ASSERT_EQ(state.kind, SegmentState::Kind::whole);
+    switchOff(places.segment, state);
+    EXPECT_EQ(record.active, 0);
+    EXPECT_EQ(record.lock, 1);
+    record.active = 1;
+    SegmentState older = state;
+    ++older.inode;
+    switchOff(places.segment, older); // another has taken its place
+    EXPECT_EQ(record.active, 1);
 }
 
 /// The doctor's child looks while this process writes.
@@ -119,7 +164,7 @@ TEST_F(TrackerFindings, ATrackerThatEndedWithoutSwitchingOffIsAWarning) {
     startServer().active = 1;
     tellStatus(false, 60);
     EXPECT_THAT(checkTracker(places),
-                ElementsAre(test::Found(Verdict::warning, "ended without switching off", "rm /dev/shm/")));
+                ElementsAre(test::Found(Verdict::warning, "ended without switching off", "kestrum track")));
 }
 
 TEST_F(TrackerFindings, AStatusFileOfNonsenseIsNoStatus) {

@@ -55,7 +55,7 @@ const std::array<Expected, 17> expected{{
 
 std::optional<Rotation> readOnce(const std::string& address, const std::vector<double>& values,
                                  const Correction& correction = {}) {
-    return DialectReader(correction).read(*findDialect(address), values);
+    return DialectReader(correction).read(*findDialect(address), {}, values);
 }
 
 void expectHead(const std::string& address, const std::vector<double>& values, const HeadAngles& head) {
@@ -97,15 +97,45 @@ TEST(Dialects, OfTheScenesTurnAgreeWithThoseOfTheHeads) {
                 1e-6);
 }
 
+std::optional<Rotation> readFrom(DialectReader& reader, std::uint16_t port, const std::string& address,
+                                 double value) {
+    const Dialect& dialect = *findDialect(address);
+    const Source sender{.input = Input::osc, .family = dialect.family, .address = 1, .port = port};
+    return reader.read(dialect, sender, std::vector<double>{value});
+}
+
 TEST(SingleAngles, AddUpToOneDirectionPerFamily) {
     DialectReader reader;
-    reader.read(*findDialect("/yaw"), std::vector<double>{-30});
-    reader.read(*findDialect("/hedrot/yaw"), std::vector<double>{5});
-    reader.read(*findDialect("/pitch"), std::vector<double>{-20});
-    const auto all = reader.read(*findDialect("/roll"), std::vector<double>{10});
+    readFrom(reader, 1, "/yaw", -30);
+    readFrom(reader, 1, "/hedrot/yaw", 5);
+    readFrom(reader, 1, "/pitch", -20);
+    const auto all = readFrom(reader, 1, "/roll", 10);
     EXPECT_NEAR(angleBetween(*all, rotationOf(HeadAngles{30, 20, 10})), 0, 1e-6);
-    const auto other = reader.read(*findDialect("/hedrot/roll"), std::vector<double>{0});
+    const auto other = readFrom(reader, 1, "/hedrot/roll", 0);
     EXPECT_NEAR(angleBetween(*other, rotationOf(HeadAngles{5, 0, 0})), 0, 1e-6);
+}
+
+TEST(SingleAngles, OfTwoSendersAreTwoDirections) {
+    for (const std::string family : {"", "/hedrot"}) {
+        DialectReader reader;
+        const double left = family.empty() ? -1 : 1;
+        readFrom(reader, 1, family + "/yaw", 30 * left);
+        readFrom(reader, 2, family + "/yaw", 50 * left);
+        const auto first = readFrom(reader, 1, family + "/roll", 10);
+        const auto second = readFrom(reader, 2, family + "/roll", 0);
+        EXPECT_NEAR(angleBetween(*first, rotationOf(HeadAngles{30, 0, 10})), 0, 1e-6);
+        EXPECT_NEAR(angleBetween(*second, rotationOf(HeadAngles{50, 0, 0})), 0, 1e-6);
+    }
+}
+
+TEST(SingleAngles, AreHeldThroughAFloodOfStrangers) {
+    DialectReader reader;
+    readFrom(reader, 1, "/yaw", -30);
+    for (std::uint16_t stranger = 2; stranger < 1000; ++stranger) {
+        readFrom(reader, stranger, "/yaw", 80);
+        readFrom(reader, 1, "/pitch", -20);
+    }
+    EXPECT_NEAR(angleBetween(*readFrom(reader, 1, "/roll", 10), rotationOf(HeadAngles{30, 20, 10})), 0, 1e-6);
 }
 
 TEST(RotationVectors, MayLeaveTheirLastNumberOutOrAddAnAccuracy) {

@@ -98,7 +98,7 @@ TEST(Heads, LookAheadFromTheirNewCentreOn) {
     EXPECT_NEAR(angleBetween(*head.direction(later), {}), 0, 1e-5);
 }
 
-TEST(Heads, KeepOneCentrePerKindOfSender) {
+TEST(Heads, KeepTheCentreOfASenderThatIsStartedAgain) {
     HeadTrack head(unsmoothed());
     head.take({phone, yaw(100)}, start);
     head.recentre(start);
@@ -114,6 +114,19 @@ TEST(Heads, KeepOneCentrePerKindOfSender) {
     now += milliseconds(300);
     head.take({samePhone, yaw(110)}, now);
     EXPECT_NEAR(yawOf(head, now), 10, 1e-6);
+}
+
+TEST(Heads, DoNotTakeTheCentreOfASenderForThatOfAnotherMachines) {
+    HeadTrack head(unsmoothed());
+    head.take({phone, yaw(100)}, start);
+    head.recentre(start);
+    Source other = phone;
+    other.address = 2;
+    Instant now = start + milliseconds(600);
+    head.take({other, yaw(30)}, now);
+    now += milliseconds(300);
+    head.take({other, yaw(30)}, now);
+    EXPECT_NEAR(yawOf(head, now), 30, 1e-6);
 }
 
 TEST(Heads, BlendFromOneSourceToTheNext) {
@@ -152,52 +165,6 @@ TEST(Heads, AreTurnedByTheBiasWhereverTheyLook) {
     EXPECT_NEAR(yawOf(head, start), 32, 1e-6);
     head.end(start);
     EXPECT_NEAR(yawOf(head, start + milliseconds(999)), 2, 0.01);
-}
-
-// The one-euro filter at rest is a first-order low-pass: after one step of T its share is 2 pi f T / (2 pi f T + 1).
-TEST(Smoothing, GoesTheLowPassesShareOfASmallStep) {
-    OneEuroFilter filter({.restCutoffHz = 2, .cutoffPerSpeed = 0, .predictSeconds = 0});
-    filter.step(yaw(0), start);
-    const double part = 2 * 3.14159265358979 * 2 * 0.01 / (2 * 3.14159265358979 * 2 * 0.01 + 1);
-    EXPECT_NEAR(anglesOf(filter.step(yaw(1), start + milliseconds(10))).yaw, part, 1e-6);
-}
-
-TEST(Smoothing, CalmsAHeadAtRestAndHardlyDelaysAMovingOne) {
-    OneEuroFilter filter({});
-    double widest = 0;
-    for (int step = 0; step < 200; ++step) { // a degree of jitter to either side
-        const double out =
-            anglesOf(filter.step(yaw(step % 2 == 0 ? 1 : -1), start + milliseconds(10 * step))).yaw;
-        if (step > 100)
-            widest = std::max(widest, std::abs(out));
-    }
-    EXPECT_LT(widest, 0.75);
-    filter.reset();
-    double out = 0;
-    for (int step = 0; step < 50; ++step) // 200 degrees a second
-        out = anglesOf(filter.step(yaw(2.0 * step), start + milliseconds(10 * step))).yaw;
-    EXPECT_GT(out, 98 - 2); // less than 10 ms late
-}
-
-TEST(Smoothing, DrawsASteadyMovementOutByItsHorizon) {
-    OneEuroFilter filter({.restCutoffHz = 0, .cutoffPerSpeed = 0, .predictSeconds = 0.05});
-    double out = 0;
-    for (int step = 0; step < 100; ++step)
-        out = anglesOf(filter.step(yaw(1.0 * step), start + milliseconds(10 * step))).yaw;
-    EXPECT_NEAR(out, 99 + 5, 0.01); // 100 degrees a second for 50 ms
-}
-
-TEST(Smoothing, NeverThrowsTheSceneFarAboutForOneOutlier) {
-    OneEuroFilter filter({.restCutoffHz = 0, .cutoffPerSpeed = 0, .predictSeconds = 0.2});
-    filter.step(yaw(0), start);
-    const Rotation out = filter.step(yaw(90), start + milliseconds(1));
-    EXPECT_LT(angleBetween(out, yaw(90)), 30);
-}
-
-TEST(Smoothing, StartsAnewAfterALongSilence) {
-    OneEuroFilter filter({});
-    filter.step(yaw(0), start);
-    EXPECT_NEAR(anglesOf(filter.step(yaw(80), start + std::chrono::seconds(2))).yaw, 80, 1e-6);
 }
 
 } // namespace

@@ -13,10 +13,14 @@
 #include <iterator>
 #include <random>
 
+#include <unistd.h>
+
 namespace {
 
 using namespace orvane::kestrum::track;
 using ::testing::HasSubstr;
+
+constexpr Source phone{.input = Input::osc, .family = "/ypr", .address = 1, .port = 1};
 
 Rotation anyRotation(std::mt19937& random) {
     std::normal_distribution<double> normal;
@@ -25,9 +29,9 @@ Rotation anyRotation(std::mt19937& random) {
 
 Mounting calibrated(const Rotation& ahead, const Rotation& right, const Rotation& down) {
     PoseCalibration calibration;
-    EXPECT_FALSE(calibration.add(ahead));
-    EXPECT_FALSE(calibration.add(right));
-    EXPECT_TRUE(calibration.add(down));
+    EXPECT_FALSE(calibration.add(phone, ahead));
+    EXPECT_FALSE(calibration.add(phone, right));
+    EXPECT_TRUE(calibration.add(phone, down));
     return calibration.result();
 }
 
@@ -65,6 +69,16 @@ TEST(Calibrations, RefusePosesThatAreTooCloseOrAboutOneAxis) {
     } catch (const TrackError& error) {
         EXPECT_THAT(error.what(), HasSubstr("nearly the same axis"));
     }
+}
+
+TEST(Calibrations, RefusePosesOfTwoSensors) {
+    PoseCalibration calibration;
+    Source other = phone;
+    other.port = 2; // started again
+    EXPECT_FALSE(calibration.add(phone, {}));
+    EXPECT_FALSE(calibration.add(other, rotationOf(HeadAngles{60, 0, 0})));
+    other.address = 2;
+    EXPECT_THROW(calibration.add(other, rotationOf(HeadAngles{0, -40, 0})), TrackError);
 }
 
 class KeptMountings : public ::testing::Test {
@@ -113,6 +127,18 @@ TEST_F(KeptMountings, ThatAreDamagedAreRefusedAndLeftAlone) {
         }
         EXPECT_EQ(content(), text);
     }
+}
+
+// What is taken for nothing would be replaced by the next calibration.
+TEST_F(KeptMountings, ThatCannotBeReadAreRefusedAndNotTakenForNone) {
+    std::filesystem::create_directories(path); // even root reads no folder as a file
+    EXPECT_THROW(readMountings(path), TrackError);
+    if (getuid() == 0)
+        return;
+    std::filesystem::remove(path);
+    write("{\"mountings\":{}}");
+    std::filesystem::permissions(path, std::filesystem::perms(0000));
+    EXPECT_THROW(readMountings(path), TrackError);
 }
 
 TEST_F(KeptMountings, ThatCannotBeWrittenLeaveTheOldFile) {

@@ -125,6 +125,25 @@ TEST_F(StatusFiles, WithAnySourceStayOneReadableObject) {
     EXPECT_EQ(std::filesystem::file_size(path), 1024u);
 }
 
+// What a stranger has put there may not steer a terminal that shows it.
+TEST_F(StatusFiles, TellPrintableSourcesOnlyWhateverTheyHold) {
+    StatusFile file(path);
+    TrackStatus strange = status;
+    strange.source = "osc \033]0;title\a";
+    file.write(strange);
+    ASSERT_TRUE(readStatus(path));
+    EXPECT_EQ(readStatus(path)->source, "osc ?]0;title?");
+}
+
+TEST_F(StatusFiles, OfSomebodyElseAreNone) {
+    if (getuid() != 0)
+        GTEST_SKIP() << "Only root can give a file away.";
+    StatusFile file(path);
+    file.write(status);
+    ASSERT_EQ(chown(path.c_str(), 65534, 65534), 0);
+    EXPECT_FALSE(readStatus(path));
+}
+
 TEST_F(StatusFiles, AreNotPutIntoSomebodyElsesFolder) {
     std::filesystem::create_directory_symlink("/", folder / "orvane-kestrum");
     EXPECT_THROW(StatusFile{path}, TrackError);
@@ -134,8 +153,11 @@ TEST_F(StatusFiles, AreNotPutIntoSomebodyElsesFolder) {
 TEST_F(StatusFiles, LieInTheRuntimeFolder) {
     setenv("XDG_RUNTIME_DIR", "/run/user/1", 1);
     EXPECT_EQ(statusPath(), "/run/user/1/orvane-kestrum/track.json");
+    const std::string without = "/tmp/orvane-kestrum-" + std::to_string(getuid()) + "/track.json";
+    setenv("XDG_RUNTIME_DIR", "relative", 1);
+    EXPECT_EQ(statusPath(), without);
     unsetenv("XDG_RUNTIME_DIR");
-    EXPECT_EQ(statusPath(), "/tmp/orvane-kestrum-" + std::to_string(getuid()) + "/track.json");
+    EXPECT_EQ(statusPath(), without);
 }
 
 } // namespace

@@ -44,9 +44,9 @@ TrackProgram::TrackProgram(std::vector<std::string> arguments, Screen screen) {
     for (std::string& argument : arguments)
         pointers.push_back(argument.data());
     pointers.push_back(nullptr);
-    onTerminal = screen == Screen::terminal;
+    onTerminal = screen != Screen::none;
     if (onTerminal)
-        startOnTerminal(pointers.data());
+        startOnTerminal(pointers.data(), screen);
     else
         startWithoutTerminal(pointers.data());
     says("The link is up.");
@@ -67,7 +67,7 @@ void TrackProgram::startWithoutTerminal(char** arguments) {
     pipe = ends[0];
 }
 
-void TrackProgram::startOnTerminal(char** arguments) {
+void TrackProgram::startOnTerminal(char** arguments, Screen screen) {
     winsize size{};
     size.ws_col = 120;
     size.ws_row = 24;
@@ -78,7 +78,12 @@ void TrackProgram::startOnTerminal(char** arguments) {
         return;
     // The shell outlives the program on the terminal and tells how it was left: with the first process of its session a
     // terminal loses its settings.
-    std::array<std::string, 3> words{"/bin/sh", "-c", "\"$0\" \"$@\"; status=$?; stty -a; exit $status"};
+    const std::string inForeground = "\"$0\" \"$@\"; status=$?; stty -a; exit $status";
+    const std::string inBackground =
+        "set -m; \"$0\" \"$@\" & read line; echo \"the shell has read $line\"; stty -a; "
+        "kill $!; wait $!";
+    std::array<std::string, 3> words{"/bin/sh", "-c",
+                                     screen == Screen::background ? inBackground : inForeground};
     std::vector<char*> shell{words[0].data(), words[1].data(), words[2].data()};
     char** end = arguments;
     while (*end != nullptr)

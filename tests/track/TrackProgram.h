@@ -11,7 +11,11 @@
 namespace test {
 
 /// What a program has for keys and output.
-enum class Screen { none, terminal };
+enum class Screen {
+    none,
+    terminal,
+    background ///< A terminal on which a shell keeps the foreground, until it has read a line.
+};
 
 /// The program "kestrum track" in a process of its own, in folders of its own.
 class TrackProgram {
@@ -51,7 +55,7 @@ public:
 
 private:
     void startWithoutTerminal(char** arguments);
-    void startOnTerminal(char** arguments);
+    void startOnTerminal(char** arguments, Screen screen);
     bool readMore();
     std::uint16_t portAfter(const std::string& words) const;
 

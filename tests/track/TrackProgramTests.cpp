@@ -1,14 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // The whole program: packets over loopback in, and what a client of the link reads out. The link's name belongs to the
 // whole machine, so these tests run one at a time.
-#include "LinkEnds.h"
-#include "TrackProgram.h"
+#include "WholeProgram.h"
 
-#include "ipc/OrvaneParameterFactory.h"
 #include "support/CommandOutput.h"
-#include "track/LinkProbe.h"
 #include "track/Rotation.h"
-#include "track/StatusFile.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -31,18 +27,11 @@ using ::test::becomesTrue;
 using ::test::Listener;
 using ::test::Sender;
 using ::test::TrackProgram;
+using ::test::WholeProgram;
 using ::testing::HasSubstr;
 
 const std::vector<std::string> plain{"--osc-port",    "0",   "--opentrack-port", "0",   "--smooth", "0",
                                      "--grid-centre", "off", "--timeout",        "0.1", "--glide",  "0.1"};
-
-class WholeProgram : public ::testing::Test {
-public:
-    ~WholeProgram() override { std::filesystem::remove_all(TrackProgram::folder()); }
-
-private:
-    const ::test::CleanLink clean;
-};
 
 constexpr double radian = std::numbers::pi / 180;
 
@@ -231,49 +220,33 @@ TEST_F(WholeProgram, PlaysAMovementAndEndsByItself) {
     EXPECT_FALSE(Listener().connected()); // the name is free again
 }
 
-TEST_F(WholeProgram, RefusesASecondOneByNamingTheFirst) {
-    TrackProgram first({"--demo"});
-    ASSERT_TRUE(first.says("Source: demo."));
-    ASSERT_TRUE(becomesTrue([] {
-        const auto status = readStatus(TrackProgram::folder() / "orvane-kestrum" / "track.json");
-        return status && status->source == "demo" && status->active;
+TEST_F(WholeProgram, EndsAfterAMovementThoughAPortIsOpen) {
+    std::filesystem::create_directories(TrackProgram::folder());
+    const auto movement = TrackProgram::folder() / "walk.csv";
+    std::ofstream(movement) << "0,0,0,0\n0.05,45,0,0\n";
+    TrackProgram program({"--replay", movement.string(), "--osc-port", "0", "--glide", "0.05"});
+    EXPECT_EQ(program.finish(), 0);
+}
+
+TEST_F(WholeProgram, FollowsOneOfTwoSendersOfSingleAnglesAndNoneOfTheOther) {
+    TrackProgram program({"--osc-port", "0", "--smooth", "0", "--grid-centre", "off", "--timeout", "10"});
+    const Sender one(program.oscPort()), two(program.oscPort());
+    const Listener listener;
+    EXPECT_TRUE(becomesTrue([&] {
+        one.message("/yaw", {-30});
+        return listener.active() && std::abs(listener.azimuthOfAhead() + 30) < 0.01;
     }));
-    const Listener listener;
-    TrackProgram second({"--demo"});
-    EXPECT_EQ(second.finish(), 1);
-    EXPECT_THAT(second.output(),
-                HasSubstr("kestrum: Another kestrum track drives the link already, process " +
-                          std::to_string(first.id()) + " (demo, last packet 0 s ago): end it first"));
-    EXPECT_TRUE(listener.active()); // nothing lost
-    EXPECT_TRUE(Listener().connected());
-}
-
-TEST_F(WholeProgram, TakesTheLinkOverFromOneThatWasKilled) {
-    {
-        TrackProgram killed({"--demo"});
-        const Listener listener;
-        ASSERT_TRUE(becomesTrue([&] { return listener.active(); }));
+    for (int round = 0; round < 20; ++round) {
+        one.message("/yaw", {-40});
+        two.message("/yaw", {80});
+        two.message("/pitch", {60});
     }
-    EXPECT_TRUE(probeLink()->active); // nobody could clear it
-    TrackProgram next({"--demo"});
-    EXPECT_THAT(next.output(), HasSubstr("The last tracker was ended by force"));
-    const Listener listener;
-    EXPECT_TRUE(becomesTrue([&] { return listener.active(); }));
-    next.signal(SIGTERM);
-    EXPECT_EQ(next.finish(), 0);
-}
-
-TEST_F(WholeProgram, LeavesTheLinkToAnotherMakersTrackerUnlessToldOtherwise) {
-    const auto server = OrvaneIPC::OrvaneParameterFactory().createServer();
-    server->getHeadRotationServer()->setActive(true);
-    TrackProgram refused({"--demo"});
-    EXPECT_EQ(refused.finish(), 1);
-    EXPECT_THAT(refused.output(),
-                HasSubstr("stands still: another tracker drives it, or has crashed. End it, or take "
-                          "the link from it with --take-over."));
-    EXPECT_TRUE(Listener().active());
-    TrackProgram taking({"--demo", "--take-over"});
-    EXPECT_THAT(taking.output(), HasSubstr("The link is up."));
+    EXPECT_TRUE(becomesTrue([&] {
+        one.message("/yaw", {-40});
+        two.message("/yaw", {80});
+        return std::abs(listener.azimuthOfAhead() + 40) < 0.01 &&
+               std::abs(listener.elevationOfAhead()) < 0.01;
+    }));
 }
 
 TEST_F(WholeProgram, SaysThatAPortIsTaken) {
@@ -301,21 +274,6 @@ TEST_F(WholeProgram, BiasesTheRecordForTheGridUnlessToldNotTo) {
         sender.message("/ypr", {-30, 0, 0});
         return listener.active() && std::abs(listener.azimuthOfAhead() + 32) < 0.01;
     }));
-}
-
-TEST(LinkProbes, SeeNothingWithoutASegmentAndTheRecordWithOne) {
-    const ::test::CleanLink clean;
-    EXPECT_FALSE(probeLink());
-    const auto server = OrvaneIPC::OrvaneParameterFactory().createServer();
-    ASSERT_TRUE(probeLink());
-    EXPECT_FALSE(probeLink()->active);
-    EXPECT_EQ(probeLink()->rotation, orvane::identityRotation);
-    const auto turned = linkMatrix(rotationOf(HeadAngles{30, 0, 0}));
-    server->getHeadRotationServer()->setRotation(turned);
-    server->getHeadRotationServer()->setActive(true);
-    EXPECT_TRUE(probeLink()->active);
-    EXPECT_FALSE(probeLink()->locked);
-    EXPECT_EQ(probeLink()->rotation, turned);
 }
 
 std::string fileContent(const std::filesystem::path& path) {

@@ -26,8 +26,8 @@ using ::test::Sender;
 using ::test::TrackProgram;
 using ::testing::HasSubstr;
 
-const std::vector<std::string> plain{"--osc-port", "0",    "--opentrack-port", "0",  "--smooth", "0",
-                                     "--glide",    "0.05", "--grid-centre",    "off"};
+const std::vector<std::string> plain{"--osc-port", "0",    "--opentrack-port", "0",   "--smooth",  "0",
+                                     "--glide",    "0.05", "--grid-centre",    "off", "--timeout", "10"};
 
 class OnATerminal : public ::testing::Test {
 public:
@@ -68,6 +68,46 @@ TEST_F(OnATerminal, KeysRecentreAndEndAndTheTerminalIsLeftAsItWas) {
     EXPECT_EQ(program.finish(), 0);
     EXPECT_THAT(program.output(), HasSubstr(" icanon iexten echo ")); // as stty tells afterwards
     EXPECT_FALSE(listener.active());
+}
+
+// The terminal is the shell's: what is typed is not the program's, no line is drawn over it, no setting changed.
+TEST_F(OnATerminal, TheBackgroundLeavesKeysAndLineToTheShell) {
+    TrackProgram program(plain, Screen::background);
+    const Sender sender(program.oscPort());
+    const Listener listener;
+    for (const char key : {'r', 'q', 'c'})
+        program.press(key);
+    EXPECT_TRUE(becomesTrue([&] {
+        sender.message("/ypr", {-30, 0, 0});
+        return listener.active() && std::abs(listener.azimuthOfAhead() + 30) < 0.01;
+    }));
+    EXPECT_TRUE(program.says("Source: osc /ypr"));
+    program.press('\n');
+    EXPECT_TRUE(program.says("the shell has read rqc")) << program.output();
+    program.finish();
+    EXPECT_THAT(program.output(), HasSubstr(" icanon iexten echo "));
+    EXPECT_THAT(program.output(), ::testing::Not(HasSubstr("yaw  +")));
+    EXPECT_THAT(program.output(), ::testing::Not(HasSubstr("waiting for a sender")));
+    EXPECT_FALSE(listener.active());
+}
+
+// Ctrl-S stops a terminal's output; a program that waits for it would hold every head fast.
+TEST_F(OnATerminal, CtrlSStopsNothing) {
+    TrackProgram program(plain, Screen::terminal);
+    const Sender sender(program.oscPort());
+    program.press('\x13');
+    EXPECT_TRUE(becomesTrue([&] {
+        sender.message("/ypr", {-40, 0, 0});
+        return program.shows("yaw  +40.0");
+    })) << program.output();
+}
+
+TEST_F(OnATerminal, ACalibrationWithoutASenderSaysSo) {
+    TrackProgram program(plain, Screen::terminal);
+    program.press('c');
+    EXPECT_TRUE(program.says("Look straight ahead, then press space."));
+    program.press(' ');
+    EXPECT_TRUE(program.says("No sender is heard: let one send, then press space.")) << program.output();
 }
 
 // A sensor that sits turned by 90 degrees: what it calls looking up is a tilt of the head.

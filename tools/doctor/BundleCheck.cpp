@@ -1,21 +1,27 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "doctor/Checks.h"
-#include "doctor/ChildProcess.h"
 #include "doctor/Remedies.h"
 
+#include "headlink/ChildProcess.h"
 #include "host/Module.h"
 #include "host/PluginInstance.h"
 
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
+#include <fstream>
+#include <iterator>
 #include <memory>
+#include <regex>
+#include <sstream>
 
 namespace orvane::kestrum::doctor {
 
 namespace fs = std::filesystem;
 
 namespace {
+
+using headlink::ChildResult;
 
 constexpr const char* subject = "bundle";
 
@@ -27,6 +33,18 @@ std::vector<fs::path> bundles(const Places& places) {
         if (fs::is_directory(folder / bundleName, failure))
             found.push_back(folder / bundleName);
     return found;
+}
+
+/// The first part that is closed on the way to a bundle in a folder of the system; empty when there is none. The user's own
+/// folders are the user's affair.
+fs::path closedHostFolder(const Places& places) {
+    for (const fs::path& folder : places.hostFolders()) {
+        if (!places.home.empty() && folder.parent_path() == places.home)
+            continue;
+        if (fs::path closed = firstClosed(folder / bundleName, places.user); !closed.empty())
+            return closed;
+    }
+    return {};
 }
 
 /// Whether noise at the input is heard at the output. Louder than nothing after a tenth of a second is enough: an instance
@@ -63,7 +81,7 @@ std::string tryBundle(const fs::path& bundle) {
 Finding loaded(const fs::path& bundle, const Places& places) {
     constexpr std::chrono::seconds limit{20};
     const std::string name = inQuotes(bundle.string());
-    const ChildResult result = inChildProcess([&bundle] { return tryBundle(bundle); }, limit);
+    const ChildResult result = headlink::inChildProcess([&bundle] { return tryBundle(bundle); }, limit);
     switch (result.end) {
     case ChildResult::End::answered:
         break;
@@ -77,15 +95,52 @@ Finding loaded(const fs::path& bundle, const Places& places) {
                 reinstallPlugin(places)};
     }
     const std::string version = result.text.substr(1);
-    if (places.thisMachine() && result.text.front() == '-')
+    if (result.text.front() == '-')
         return {subject, Verdict::fault,
                 name + ", version " + version +
                     ", loads but gives no sound: its data is not usable; see \"data\".",
                 mendData(places)};
-    return {subject,
-            Verdict::good,
-            name + ", version " + version + (places.thisMachine() ? ", loads and renders." : ", loads."),
-            {}};
+    return {subject, Verdict::good, name + ", version " + version + ", loads and renders.", {}};
+}
+
+/// As the bundle's own description says, which is read without loading anything; empty without one.
+std::string versionOf(const fs::path& bundle) {
+    std::ifstream file(bundle / "Contents" / "Resources" / "moduleinfo.json");
+    const std::string text{std::istreambuf_iterator<char>(file), {}};
+    const std::regex said("\"Version\"\\s*:\\s*\"([0-9.]+)\"");
+    std::smatch match;
+    return std::regex_search(text, match, said) ? match[1].str() : std::string();
+}
+
+/// The parts between the dots, to be compared as numbers.
+std::vector<int> numbersOf(const std::string& version) {
+    std::vector<int> numbers;
+    std::istringstream parts(version);
+    for (int number = 0; parts >> number; parts.ignore())
+        numbers.push_back(number);
+    return numbers;
+}
+
+Finding closedFinding(const fs::path& closed) {
+    return {subject, Verdict::fault, "Not everybody may read " + inQuotes(closed.string()) + ".",
+            openUp(closed)};
+}
+
+/// Of several bundles.
+Finding severalFinding(const std::vector<fs::path>& found, const Places& places) {
+    std::string list;
+    bool known = true;
+    for (const fs::path& bundle : found) {
+        const std::string version = versionOf(bundle);
+        known = known && !version.empty();
+        list += (list.empty() ? "" : " and ") + inQuotes(bundle.parent_path().string()) + " (version " +
+                (version.empty() ? "unknown" : version) + ")";
+    }
+    const auto& oldest = *std::ranges::min_element(
+        found, {}, [](const fs::path& bundle) { return numbersOf(versionOf(bundle)); });
+    return {"hosts", Verdict::warning,
+            "The bundle lies in " + list + ", and each host takes the one that it likes.",
+            known ? removal(oldest, places) : "# remove the bundle that you do not want"};
 }
 
 } // namespace
@@ -96,18 +151,25 @@ Findings checkBundle(const Places& places) {
     if (found.empty() && !places.program.empty() && fs::is_directory(places.program / bundleName, failure))
         found.push_back(places.program / bundleName);
     if (found.empty())
+        if (const fs::path closed = closedHostFolder(places); !closed.empty())
+            return {closedFinding(closed)};
+    if (found.empty())
         return {{subject, Verdict::fault, "The bundle " + inQuotes(bundleName) + " is nowhere.",
                  reinstallPlugin(places)}};
     const fs::path& bundle = found.front();
     const fs::path binary = host::Module::binaryOf(bundle);
+    if (const fs::path closed = firstClosed(binary, places.user); !closed.empty())
+        return {closedFinding(closed)};
     if (!fs::exists(binary, failure))
         return {{subject, Verdict::fault,
                  inQuotes(bundle.string()) +
                      " holds no binary for this machine: " + inQuotes(binary.string()) + " is missing.",
                  reinstallPlugin(places)}};
-    if (const fs::path closed = firstClosed(binary, places.user); !closed.empty())
-        return {{subject, Verdict::fault, "Not everybody may read " + inQuotes(closed.string()) + ".",
-                 openUp(closed)}};
+    if (!places.thisMachine())
+        return {{subject,
+                 Verdict::good,
+                 inQuotes(bundle.string()) + " is there and readable; another system's is not loaded.",
+                 {}}};
     return {loaded(bundle, places)};
 }
 
@@ -128,12 +190,7 @@ Findings checkHostFolders(const Places& places) {
                  "Hosts find the bundle in " + inQuotes(found.front().parent_path().string()) +
                      "; let yours scan that folder.",
                  {}}};
-    std::string list;
-    for (const fs::path& bundle : found)
-        list += (list.empty() ? "" : " and ") + inQuotes(bundle.parent_path().string());
-    return {{"hosts", Verdict::warning,
-             "The bundle lies in " + list + ", and each host takes the one that it likes.",
-             removal(found.front(), places)}};
+    return {severalFinding(found, places)};
 }
 
 } // namespace orvane::kestrum::doctor

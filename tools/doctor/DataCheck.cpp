@@ -48,25 +48,24 @@ Findings closedFiles(const Places& places) {
     std::error_code failure;
     for (const tools::FileRule& rule : tools::dataFolderRules()) {
         const fs::path file = places.data() / rule.name;
-        if (!fs::exists(file, failure))
+        const fs::path closed = firstClosed(file, places.user);
+        if (closed.empty())
             continue;
-        if (const fs::path closed = firstClosed(file, places.user); !closed.empty()) {
-            findings.push_back(closedFinding(closed));
-            if (closed.filename() != rule.name)
-                break; // a folder: the same for every file
-        }
+        findings.push_back(closedFinding(closed));
+        if (fs::is_directory(closed, failure))
+            break; // the same for every file
     }
     return findings;
 }
 
 Findings folderFaults(const Places& places) {
     const fs::path folder = places.data();
+    if (const fs::path closed = firstClosed(folder, places.user); !closed.empty())
+        return {closedFinding(closed)};
     std::error_code failure;
     const bool link = fs::is_symlink(fs::symlink_status(folder, failure));
     if (fs::is_directory(folder, failure))
         return {};
-    if (failure == std::errc::permission_denied)
-        return {closedFinding(firstClosed(places.product(), places.user))};
     if (link)
         return {{subject, Verdict::fault,
                  inQuotes(folder.string()) + " leads to " +
@@ -96,15 +95,15 @@ Findings checkData(const Places& places) {
 }
 
 Findings checkManual(const Places& places) {
-    std::error_code failure;
     const fs::path manual = places.manual();
+    if (const fs::path closed = firstClosed(manual, places.user); !closed.empty())
+        return {{"manual", Verdict::warning, "Not everybody may read " + inQuotes(closed.string()) + ".",
+                 openUp(closed)}};
+    std::error_code failure;
     if (!fs::is_regular_file(manual, failure))
         return {{"manual", Verdict::note,
                  "The help menu finds no manual: there is no " + inQuotes(manual.string()) + ".",
                  reinstallManual(places)}};
-    if (const fs::path closed = firstClosed(manual, places.user); !closed.empty())
-        return {{"manual", Verdict::warning, "Not everybody may read " + inQuotes(closed.string()) + ".",
-                 openUp(closed)}};
     return {
         {"manual", Verdict::good, "The help menu finds the manual, " + inQuotes(manual.string()) + ".", {}}};
 }

@@ -32,6 +32,13 @@ std::ptrdiff_t countOf(const Findings& findings, Verdict verdict) {
                                  [verdict](const Finding& finding) { return finding.verdict == verdict; });
 }
 
+/// Names of files, programs and senders are not ours: none of them may steer the terminal.
+std::string printable(std::string text) {
+    std::ranges::replace_if(
+        text, [](unsigned char letter) { return letter < ' ' || letter == 127; }, '?');
+    return text;
+}
+
 void tellJson(const Findings& findings, std::ostream& out) {
     nlohmann::ordered_json json;
     json["faults"] = countOf(findings, Verdict::fault);
@@ -56,6 +63,9 @@ Findings checkEverything(const Places& places) {
     if (places.thisMachine()) { // shared memory is the running system's, wherever the files are looked for
         const Findings some = checkTracker(places);
         all.insert(all.end(), some.begin(), some.end());
+    } else {
+        for (Finding& finding : all)
+            finding.remedy.clear();
     }
     return all;
 }
@@ -66,17 +76,24 @@ void tell(const Findings& findings, bool asJson, std::ostream& out) {
         return;
     }
     for (const Finding& finding : findings) {
-        out << nameOf(finding.verdict).shown << "  " << finding.subject << ": " << finding.text << "\n";
+        out << nameOf(finding.verdict).shown << "  " << finding.subject << ": " << printable(finding.text)
+            << "\n";
         if (!finding.remedy.empty())
-            out << "           " << finding.remedy << "\n";
+            out << "           " << printable(finding.remedy) << "\n";
     }
 }
 
 void requireNoFault(const Findings& findings) {
     const auto faults = countOf(findings, Verdict::fault);
-    if (faults > 0)
-        throw std::runtime_error(std::to_string(faults) + (faults == 1 ? " fault was" : " faults were") +
-                                 " found: run the commands below each, then ask again.");
+    if (faults == 0)
+        return;
+    const bool mendable = std::ranges::any_of(findings, [](const Finding& finding) {
+        return finding.verdict == Verdict::fault && !finding.remedy.empty();
+    });
+    throw std::runtime_error(std::to_string(faults) + (faults == 1 ? " fault was" : " faults were") +
+                             " found" +
+                             (mendable ? ": run the commands below each, then ask again."
+                                       : ": mend them in that system, then ask again."));
 }
 
 void addDoctorCommand(CLI::App& program, std::ostream& out) {

@@ -17,8 +17,10 @@ enum class Verdict {
 struct Finding {
     std::string subject; ///< "bundle", "data", "manual", "tracker", "hosts", "sound".
     Verdict verdict = Verdict::good;
-    std::string text;   ///< One sentence, full stop included.
-    std::string remedy; ///< The command that mends it; empty where nothing is to be mended.
+    std::string text; ///< One sentence, full stop included.
+    std::string
+        remedy; ///< The command that mends it, to be pasted into a shell; what no command does stands behind "#".
+                ///< Empty where nothing is to be mended.
 };
 
 using Findings = std::vector<Finding>;

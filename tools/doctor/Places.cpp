@@ -1,12 +1,15 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "doctor/Places.h"
 
+#include "headlink/Access.h"
+#include "headlink/TrackStatus.h"
+
 #include "ipc/HeadRotation.h"
 
-#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cstdlib>
+#include <deque>
 
 namespace orvane::kestrum::doctor {
 
@@ -14,11 +17,11 @@ namespace fs = std::filesystem;
 
 namespace {
 
-fs::path runtimeFolder(uid_t user) {
-    const char* const folder = std::getenv("XDG_RUNTIME_DIR");
-    if (folder != nullptr && *folder != '\0')
-        return fs::path(folder) / "orvane-kestrum";
-    return "/tmp/orvane-kestrum-" + std::to_string(user);
+constexpr int mostLinks = 40; ///< As the kernel follows.
+
+/// Puts the parts of a path in front of those that wait.
+void putInFront(std::deque<fs::path>& parts, const fs::path& path) {
+    parts.insert(parts.begin(), path.begin(), path.end());
 }
 
 } // namespace
@@ -41,9 +44,10 @@ fs::path Places::manual() const {
 Places currentPlaces(const fs::path& root) {
     Places places;
     places.root = root;
+    places.foreign = root != "/";
     places.user = getuid();
     places.segment = OrvaneIPC::segmentName;
-    places.runtime = runtimeFolder(places.user);
+    places.runtime = headlink::statusPath().parent_path();
     if (!places.thisMachine())
         return places; // home and program belong to this one
     if (const char* const home = std::getenv("HOME"))
@@ -53,27 +57,30 @@ Places currentPlaces(const fs::path& root) {
     return places;
 }
 
-bool mayUse(const fs::path& path, uid_t user, unsigned need) {
-    struct stat status {};
-    if (stat(path.c_str(), &status) != 0)
-        return false;
-    if (user != 0 && user == getuid()) {
-        const int mode = static_cast<int>(need); // the bits of access(): R_OK 4, W_OK 2, X_OK 1
-        return access(path.c_str(), mode) == 0;
-    }
-    const unsigned bits = status.st_uid == user && user != 0 ? status.st_mode >> 6U : status.st_mode;
-    return (bits & need) == need;
-}
-
 fs::path firstClosed(const fs::path& path, uid_t user) {
-    std::error_code failure;
-    const fs::path resolved = fs::canonical(path, failure);
-    fs::path above;
-    for (const fs::path& part : resolved) {
-        above /= part;
-        const unsigned need = fs::is_directory(above, failure) ? 1U : 4U;
-        if (!mayUse(above, user, need))
-            return above;
+    std::deque<fs::path> parts;
+    putInFront(parts, fs::absolute(path));
+    fs::path above = "/";
+    for (int links = 0; !parts.empty() && links < mostLinks;) {
+        const fs::path part = parts.front();
+        parts.pop_front();
+        if (part == "..") {
+            above = above.parent_path();
+            continue;
+        }
+        const fs::path next = part.empty() || part == "." ? above : above / part;
+        std::error_code failure;
+        if (const fs::path target = fs::read_symlink(next, failure); !failure) {
+            ++links;
+            putInFront(parts, target);
+            continue;
+        }
+        const fs::file_status status = fs::status(next, failure);
+        if (!fs::exists(status))
+            return {}; // not to be found, but not for lack of permission: what is above may be entered
+        if (!headlink::mayUse(next, user, fs::is_directory(status) ? 1U : 4U))
+            return next;
+        above = next;
     }
     return {};
 }

@@ -14,11 +14,12 @@ inline constexpr const char* bundleName = "Orvane KESTRUM.vst3";
 /// Where an installation is looked for. Everything can be put elsewhere, for tests and for images of other systems.
 struct Places {
     std::filesystem::path root = "/"; ///< Before every path that is not the user's own.
-    std::filesystem::path home;       ///< The user's folder; empty when there is none.
-    std::filesystem::path program;    ///< Folder of the running program: a bundle may lie there, too.
-    std::filesystem::path runtime;    ///< Folder of the tracker's status file.
-    std::string segment;              ///< Name of the shared memory; it has no folder.
-    uid_t user = 0;                   ///< Who is to be able to read and write.
+    bool foreign = false;       ///< The root holds another system: files are looked at, nothing of it is run.
+    std::filesystem::path home; ///< The user's folder; empty when there is none.
+    std::filesystem::path program; ///< Folder of the running program: a bundle may lie there, too.
+    std::filesystem::path runtime; ///< Folder of the tracker's status file.
+    std::string segment;           ///< Name of the shared memory; it has no folder.
+    uid_t user = 0;                ///< Who is to be able to read and write.
 
     std::filesystem::path below(const char* absolute) const;
     /// Where hosts look for VST3 plug-ins, the user's own first.
@@ -27,18 +28,16 @@ struct Places {
     std::filesystem::path data() const { return product() / "data"; }
     std::filesystem::path packagedSet() const { return below("/usr/share/orvane-kestrum/sets/kemar"); }
     std::filesystem::path manual() const;
-    bool thisMachine() const { return root == "/"; }
+    bool thisMachine() const { return !foreign; }
 };
 
 /// The places of this machine, of this user and of this program.
 /// @param root "/", or the folder that holds another system.
 Places currentPlaces(const std::filesystem::path& root);
 
-/// Whether the user may read (4), write (2) or enter (1) what a path leads to, by owner and others' bits: the groups of a user
-/// who is not running this program are not known. Root as the user stands for anybody, since DAWs run as somebody else.
-bool mayUse(const std::filesystem::path& path, uid_t user, unsigned need);
-
-/// @return the first part of the path, a folder above or the thing itself, that the user may not enter or read; else empty.
+/// Goes along a path part by part, links included, as far as it exists: behind a closed folder nothing can be asked, not even
+/// whether it is there.
+/// @return the first part, a folder above or the thing itself, that the user may not enter or read; else empty.
 std::filesystem::path firstClosed(const std::filesystem::path& path, uid_t user);
 
 /// Text in the double quotes in which sentences show paths and names.

@@ -23,22 +23,23 @@ std::string reinstall(const Places& places, const std::string& package, const st
 std::string reinstallPlugin(const Places& places) {
     std::error_code failure;
     if (fs::exists(places.below("/usr/local/share/orvane-kestrum/installed-files"), failure))
-        return "sudo ./install.sh   (in the unpacked tar ball)";
-    return reinstall(places, "orvane-kestrum",
-                     "sudo apt-get install ./orvane-kestrum_*.deb ./orvane-kestrum-data_*.deb   (or ./run in "
-                     "the sources)");
+        return "sudo ./install.sh   # in the unpacked tar ball";
+    return reinstall(
+        places, "orvane-kestrum",
+        "sudo apt-get install ./orvane-kestrum_*.deb ./orvane-kestrum-data_*.deb   # or ./run in "
+        "the sources");
 }
 
 std::string reinstallData(const Places& places) {
     return reinstall(
         places, "orvane-kestrum-data",
-        "sudo apt-get install ./orvane-kestrum-data_*.deb   (or scripts/install-data in the sources)");
+        "sudo apt-get install ./orvane-kestrum-data_*.deb   # or scripts/install-data in the sources");
 }
 
 std::string reinstallManual(const Places& places) {
     return reinstall(
         places, "orvane-kestrum-doc",
-        "sudo apt-get install ./orvane-kestrum-doc_*.deb   (or scripts/build-manual in the sources)");
+        "sudo apt-get install ./orvane-kestrum-doc_*.deb   # or scripts/build-manual in the sources");
 }
 
 std::string mendData(const Places& places) {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "doctor/Checks.h"
-#include "doctor/ChildProcess.h"
+
+#include "headlink/ChildProcess.h"
 
 #include <algorithm>
 #include <array>
@@ -73,8 +74,9 @@ std::string outputOf(const char* command) {
 
 /// The rate of PipeWire's clock, where it runs: the one that it is held to, else the present one.
 std::optional<long> pipeWireRate() {
-    const ChildResult result = inChildProcess([] { return outputOf("pw-metadata -n settings 2>/dev/null"); },
-                                              std::chrono::seconds(3));
+    using headlink::ChildResult;
+    const ChildResult result = headlink::inChildProcess(
+        [] { return outputOf("pw-metadata -n settings 2>/dev/null"); }, std::chrono::seconds(3));
     if (result.end != ChildResult::End::answered)
         return std::nullopt;
     const auto forced = numberAfter(result.text, "'clock.force-rate' value:'");
@@ -97,8 +99,8 @@ Findings checkSound(const Places& places) {
             findings.push_back(about("PipeWire", *rate, "pw-metadata -n settings 0 clock.force-rate 48000"));
     if (findings.empty())
         for (const long rate : playingRates(places))
-            findings.push_back(
-                about("An output of a sound card", rate, "choose 48000 Hz in the audio settings of the DAW"));
+            findings.push_back(about("An output of a sound card", rate,
+                                     "# choose 48000 Hz in the audio settings of the DAW"));
     if (!findings.empty())
         return findings;
     if (hasCard(places))

@@ -1,28 +1,28 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "doctor/Checks.h"
-#include "doctor/Segment.h"
-#include "doctor/TrackerStatus.h"
 
-#include <chrono>
+#include "headlink/Segment.h"
+#include "headlink/TrackStatus.h"
+
+#include <algorithm>
 #include <cmath>
+#include <optional>
 
 namespace orvane::kestrum::doctor {
 
 namespace {
 
+using headlink::SegmentState;
+using headlink::TrackStatus;
+
 constexpr const char* subject = "tracker";
-constexpr const char* startTracker = "kestrum track   (before the DAW loads the plug-in)";
+constexpr const char* startTracker = "kestrum track   # before the DAW loads the plug-in";
 constexpr double silentAfterSeconds = 5;
 
 std::string segmentPath(const Places& places) { return "/dev/shm/" + places.segment; }
 
 std::string restart(const Places& places) {
-    return "rm " + segmentPath(places) + " && kestrum track   (then reopen the session in the DAW)";
-}
-
-double secondsSince(double time) {
-    const auto now = std::chrono::system_clock::now().time_since_epoch();
-    return std::chrono::duration<double>(now).count() - time;
+    return "rm " + segmentPath(places) + " && kestrum track   # then reopen the session in the DAW";
 }
 
 std::string inSeconds(double seconds) {
@@ -31,7 +31,7 @@ std::string inSeconds(double seconds) {
     return text.insert(text.size() - 1, ".") + " s";
 }
 
-std::string name(const TrackerStatus& status) {
+std::string name(const TrackStatus& status) {
     return "kestrum track (process " + std::to_string(status.pid) + ")";
 }
 
@@ -43,7 +43,7 @@ Finding unusable(const SegmentState& state, const Places& places) {
         return {subject, Verdict::fault,
                 "You may not read and write " + path +
                     ", so the plug-in does not see the tracker: it runs as somebody else.",
-                "sudo rm " + segmentPath(places) + "   (then start the tracker as yourself)"};
+                "sudo rm " + segmentPath(places) + "   # then start the tracker as yourself"};
     case SegmentState::Kind::wrongSize:
         return {subject, Verdict::fault,
                 path + " has " + std::to_string(state.size) +
@@ -58,51 +58,52 @@ Finding unusable(const SegmentState& state, const Places& places) {
     }
 }
 
-Finding withoutSegment(const std::optional<TrackerStatus>& status) {
+Finding withoutSegment(const std::optional<TrackStatus>& status) {
     if (status && status->alive)
         return {subject, Verdict::fault,
                 name(*status) + " runs, but its link is gone: another tracker has taken it away.",
                 "kill " + std::to_string(status->pid) +
-                    " && kestrum track   (then reopen the session in the DAW)"};
+                    " && kestrum track   # then reopen the session in the DAW"};
     return {subject, Verdict::note, "No tracker is running: the Head Rotation dial decides.", startTracker};
 }
 
-Finding ofOwnTracker(const SegmentState& state, const TrackerStatus& status) {
+Finding ofOwnTracker(const SegmentState& state, const TrackStatus& status) {
     std::string text = name(status) + " drives the link";
     if (!status.source.empty())
         text += " from " + status.source;
     if (!status.lastPacket)
         return {subject, Verdict::note, text + ", and has received nothing yet.",
-                "kestrum track --help   (tells how to send)"};
-    const double age = std::max(0.0, secondsSince(*status.lastPacket));
+                "kestrum track --help   # tells how to send"};
+    const double age = std::max(0.0, headlink::unixTime() - *status.lastPacket);
     text += ", last packet " + inSeconds(age) + " ago, " + (state.active ? "active." : "not active.");
     if (age > silentAfterSeconds)
         return {subject, Verdict::warning, text + " The sender has fallen silent.",
-                "kestrum track --help   (tells how to send)"};
-    return {subject, Verdict::good, text + " Instances that were loaded before it do not see it.", {}};
+                "kestrum track --help   # tells how to send"};
+    return {subject, Verdict::good, text, {}};
 }
 
-Finding ofOtherTracker(const SegmentState& state, const std::optional<TrackerStatus>& status,
-                       const Places& places) {
+Finding ofOtherTracker(const SegmentState& state, const std::optional<TrackStatus>& status) {
     if (status && state.active && !state.moving)
         return {subject, Verdict::warning,
                 name(*status) + " has ended without switching off: its last direction stays in force.",
-                restart(places)};
+                "kestrum track   # gives the dial back; then reopen the session in the DAW"};
     if (!state.active)
         return {
             subject, Verdict::note, "The link is there and not active: the Head Rotation dial decides.", {}};
     return {subject,
             Verdict::good,
-            std::string("A tracker other than kestrum track drives the link, active and ") +
-                (state.moving ? "moving." : "still while it was looked at."),
+            std::string(state.held
+                            ? "A kestrum track, but none of yours (of another user or XDG_RUNTIME_DIR), "
+                            : "No kestrum track of yours, but another tracker ") +
+                "drives the link, active and " + (state.moving ? "moving." : "still while it was looked at."),
             {}};
 }
 
 } // namespace
 
 Findings checkTracker(const Places& places) {
-    const SegmentState state = lookAtSegment(places.segment, places.user);
-    const auto status = readTrackerStatus(places.runtime);
+    const SegmentState state = headlink::lookAtSegment(places.segment, places.user);
+    const auto status = headlink::readStatus(places.runtime / "track.json");
     if (state.kind == SegmentState::Kind::missing)
         return {withoutSegment(status)};
     if (state.kind != SegmentState::Kind::whole)
@@ -111,9 +112,10 @@ Findings checkTracker(const Places& places) {
         return {{subject, Verdict::fault,
                  "A tracker has died while it held the link's lock: every instance that follows it hangs.",
                  restart(places)}};
-    if (status && status->alive)
-        return {ofOwnTracker(state, *status)};
-    return {ofOtherTracker(state, status, places)};
+    Findings findings{status && status->alive ? ofOwnTracker(state, *status) : ofOtherTracker(state, status)};
+    const Findings tooEarly = checkInstances(places, state.inode);
+    findings.insert(findings.end(), tooEarly.begin(), tooEarly.end());
+    return findings;
 }
 
 } // namespace orvane::kestrum::doctor

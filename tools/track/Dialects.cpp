@@ -9,6 +9,9 @@ namespace orvane::kestrum::track {
 
 namespace {
 
+constexpr std::size_t mostHeld =
+    16; ///< Senders of single angles; strangers with ever new ports fill no memory.
+
 constexpr double degrees = 1;
 constexpr double radians = 180 / std::numbers::pi;
 
@@ -136,7 +139,8 @@ constexpr Dialect table[]{
      .degreesPerUnit = degrees,
      .signs = rightUpRight,
      .convention = "right",
-     .source = "abaskind/hedrot, receiver; signs: ebu/ear-production-suite, which calls them untested"},
+     .source = "abaskind/hedrot, receiver; the signs are not from its own documentation, but from "
+               "ebu/ear-production-suite, which calls them untested"},
     {.address = "/hedrot/pitch",
      .family = "/hedrot",
      .arguments = Arguments::pitch,
@@ -261,18 +265,20 @@ Rotation corrected(const HeadAngles& angles, const Correction& correction) {
         rotationOf(HeadAngles{signs[0] * angles.yaw, signs[1] * angles.pitch, signs[2] * angles.roll}));
 }
 
-std::optional<Rotation> DialectReader::read(const Dialect& dialect, std::span<const double> values) {
+std::optional<Rotation> DialectReader::read(const Dialect& dialect, const Source& sender,
+                                            std::span<const double> values) {
     if (!allFinite(values))
         return std::nullopt;
-    return dialect.axes == Axes::none ? readAngles(dialect, values) : readQuaternion(dialect, values);
+    return dialect.axes == Axes::none ? readAngles(dialect, sender, values) : readQuaternion(dialect, values);
 }
 
-std::optional<Rotation> DialectReader::readAngles(const Dialect& dialect, std::span<const double> values) {
+std::optional<Rotation> DialectReader::readAngles(const Dialect& dialect, const Source& sender,
+                                                  std::span<const double> values) {
     const Places places = placesOf(dialect.arguments);
     if (values.size() != places.count)
         return std::nullopt;
     HeadAngles fresh;
-    HeadAngles& angles = places.count == 1 ? heldAngles(dialect.family) : fresh;
+    HeadAngles& angles = places.count == 1 ? heldAngles(sender) : fresh;
     const auto take = [&](double& angle, int place, int sign) {
         if (place >= 0)
             angle =
@@ -306,14 +312,15 @@ std::optional<Rotation> DialectReader::readQuaternion(const Dialect& dialect,
     return Rotation{head.w, signs[2] * head.x, signs[1] * head.y, signs[0] * head.z};
 }
 
-HeadAngles& DialectReader::heldAngles(std::string_view family) {
-    for (Held& entry : held)
-        if (entry.family == family)
-            return entry.angles;
-    auto* const empty = std::ranges::find_if(held, [](const Held& entry) { return entry.family.empty(); });
-    Held& entry = empty == held.end() ? held.front() : *empty;
-    entry = {family, {}};
-    return entry.angles;
+HeadAngles& DialectReader::heldAngles(const Source& sender) {
+    const auto own = std::ranges::find(held, sender, &Held::sender);
+    if (own != held.end()) {
+        std::rotate(own, own + 1, held.end());
+        return held.back().angles;
+    }
+    if (held.size() == mostHeld)
+        held.erase(held.begin());
+    return held.emplace_back(Held{sender, {}}).angles;
 }
 
 } // namespace orvane::kestrum::track

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "track/Rotation.h"
+#include "track/Sample.h"
 
 #include <array>
 #include <cstddef>
@@ -9,6 +10,7 @@
 #include <ostream>
 #include <span>
 #include <string_view>
+#include <vector>
 
 namespace orvane::kestrum::track {
 
@@ -71,22 +73,25 @@ class DialectReader {
 public:
     explicit DialectReader(const Correction& correction = {}) : correction(correction) {}
 
+    /// @param sender whose single angles make up one direction; its family is the dialect's.
     /// @param values the message's numbers.
     /// @return empty when they are too few, not finite or no rotation.
-    std::optional<Rotation> read(const Dialect& dialect, std::span<const double> values);
+    std::optional<Rotation> read(const Dialect& dialect, const Source& sender,
+                                 std::span<const double> values);
 
 private:
-    std::optional<Rotation> readAngles(const Dialect& dialect, std::span<const double> values);
+    std::optional<Rotation> readAngles(const Dialect& dialect, const Source& sender,
+                                       std::span<const double> values);
     std::optional<Rotation> readQuaternion(const Dialect& dialect, std::span<const double> values) const;
 
     struct Held {
-        std::string_view family;
+        Source sender;
         HeadAngles angles;
     };
-    HeadAngles& heldAngles(std::string_view family);
+    HeadAngles& heldAngles(const Source& sender);
 
     Correction correction;
-    std::array<Held, 2> held{}; ///< One per family of single angles.
+    std::vector<Held> held; ///< Of senders of single angles; the one that was heard last stands last.
 };
 
 /// Applies a correction to angles that have HeadAngles' signs.

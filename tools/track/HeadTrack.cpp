@@ -15,8 +15,8 @@ constexpr std::chrono::milliseconds frame{10}; ///< Between two directions of a 
 /// Zero slope at both ends.
 double smoothStep(double share) { return share * share * (3 - 2 * share); }
 
-Rotation entryOrNone(const std::map<std::string, Rotation>& map, const std::string& kind) {
-    const auto entry = map.find(kind);
+Rotation entryOrNone(const std::map<std::string, Rotation>& map, const std::string& key) {
+    const auto entry = map.find(key);
     return entry == map.end() ? Rotation{} : entry->second;
 }
 
@@ -55,7 +55,7 @@ void HeadTrack::setReference(const Rotation& reference, Instant now) {
     if (!choice.current())
         return;
     const auto shown = direction(now);
-    references[choice.current()->kind()] = reference;
+    references[choice.current()->whose()] = reference;
     if (state != State::live)
         return;
     filter.reset();
@@ -97,9 +97,8 @@ std::optional<Instant> HeadTrack::nextChange(Instant now) const {
 
 /// The room's direction of a sensor that is turned by its place on the head and by where "ahead" was for it.
 Rotation HeadTrack::relative(const Rotation& raw) const {
-    const std::string kind = choice.current()->kind();
-    const Rotation mounting = entryOrNone(mountings, kind);
-    return mounting * inverse(entryOrNone(references, kind)) * raw * inverse(mounting);
+    const Rotation mounting = entryOrNone(mountings, choice.current()->kind());
+    return mounting * inverse(entryOrNone(references, choice.current()->whose())) * raw * inverse(mounting);
 }
 
 Rotation HeadTrack::blended(Instant now) const {

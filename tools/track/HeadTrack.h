@@ -59,7 +59,6 @@ public:
     const Rotation& raw() const { return lastRaw; }
     const std::optional<Source>& source() const { return choice.current(); }
     Instant lastSample() const { return lastTaken; }
-    bool gliding() const { return state == State::gliding; }
 
 private:
     enum class State { idle, live, gliding };
@@ -73,7 +72,7 @@ private:
     SourceChoice choice;
     OneEuroFilter filter;
     std::map<std::string, Rotation> mountings;
-    std::map<std::string, Rotation> references;
+    std::map<std::string, Rotation> references; ///< By Source::whose().
     State state = State::idle;
     bool ended = false;
     Instant lastTaken{};

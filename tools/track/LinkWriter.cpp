@@ -50,7 +50,6 @@ void LinkWriter::flush(Instant now) {
     }
     waiting.reset();
     nextSlot = std::max(nextSlot, now) + interval;
-    ++written;
     if (!isActive)
         server->setActive(true);
     isActive = true;

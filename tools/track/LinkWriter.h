@@ -5,7 +5,6 @@
 #include "track/Clock.h"
 #include "track/Rotation.h"
 
-#include <cstdint>
 #include <optional>
 
 namespace orvane::kestrum::track {
@@ -42,14 +41,12 @@ public:
     void release();
 
     bool active() const { return isActive; }
-    std::uint64_t writeCount() const { return written; }
 
 private:
     OrvaneIPC::IHeadRotationServer* server;
     std::optional<Rotation> waiting;
     Instant nextSlot{}; ///< When the next write is due that keeps the rate; one interval early is allowed.
     bool isActive = false;
-    std::uint64_t written = 0;
 };
 
 } // namespace orvane::kestrum::track

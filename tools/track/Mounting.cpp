@@ -50,7 +50,12 @@ std::string_view PoseCalibration::prompt() const {
     }
 }
 
-bool PoseCalibration::add(const Rotation& raw) {
+bool PoseCalibration::add(const Source& sensor, const Rotation& raw) {
+    if (!poses.empty() && sensor.whose() != sensorName)
+        throw TrackError(
+            "Another sender drives now than in the pose before: let one send only, and press c to "
+            "begin again.");
+    sensorName = sensor.whose();
     poses.push_back(raw);
     return poses.size() == 3;
 }

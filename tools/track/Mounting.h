@@ -2,7 +2,9 @@
 #pragma once
 
 #include "track/Rotation.h"
+#include "track/Sample.h"
 
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -27,12 +29,14 @@ public:
 
     /// Takes what the sensor says in the present pose.
     /// @return whether all three are there.
-    bool add(const Rotation& raw);
+    /// @throws TrackError when it is another sensor than in the pose before.
+    bool add(const Source& sensor, const Rotation& raw);
 
     /// @throws TrackError when the poses are too close to each other or not about two axes.
     Mounting result() const;
 
 private:
+    std::string sensorName; ///< By Source::whose().
     std::vector<Rotation> poses;
 };
 

@@ -41,9 +41,13 @@ std::filesystem::path mountingFile() {
 }
 
 Mountings readMountings(const std::filesystem::path& path) {
+    std::error_code failure;
+    if (!std::filesystem::exists(path, failure) && !failure)
+        return {};
     std::ifstream file(path);
     if (!file)
-        return {};
+        throw TrackError("The calibration in \"" + path.string() +
+                         "\" cannot be read: make it readable, or name another folder in XDG_CONFIG_HOME.");
     try {
         Mountings mountings;
         const auto json = nlohmann::json::parse(file);

@@ -17,7 +17,7 @@ using Mountings = std::map<std::string, Rotation>;
 std::filesystem::path mountingFile();
 
 /// None when there is no such file.
-/// @throws TrackError when it is damaged; it is left as it is.
+/// @throws TrackError when it is damaged or may not be read; it is left as it is.
 Mountings readMountings(const std::filesystem::path& path);
 
 /// Replaces the file as a whole, so that it is never half written.

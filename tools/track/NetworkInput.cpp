@@ -47,7 +47,9 @@ Received NetworkInput::receive() {
         }
     };
     drain(osc.get(), [this](const Datagram& datagram) {
-        sender = {.input = Input::osc, .address = datagram.address, .port = datagram.port};
+        sender = {.input = Input::osc,
+                  .address = datagram.address,
+                  .port = oscSenders.known(datagram.address, datagram.port)};
         if (!parser.parse(datagram.bytes))
             ++received.unusable;
     });
@@ -73,7 +75,8 @@ std::optional<std::uint16_t> NetworkInput::openTrackPort() const {
 
 void NetworkInput::takeMessage(std::string_view address, std::span<const double> values) {
     if (address == "/recenter" || address == "/recentre") {
-        received.recentre = true;
+        // A button sends 1 when it is pressed and 0 when it is let go.
+        received.recentre = received.recentre || values.empty() || values.front() != 0;
         return;
     }
     const Dialect* const dialect = findDialect(address);
@@ -81,12 +84,12 @@ void NetworkInput::takeMessage(std::string_view address, std::span<const double>
         received.unknownAddress = printable(address);
         return;
     }
-    const auto rotation = reader.read(*dialect, values);
+    sender.family = dialect->family;
+    const auto rotation = reader.read(*dialect, sender, values);
     if (!rotation) {
         ++received.unusable;
         return;
     }
-    sender.family = dialect->family;
     received.samples.push_back({sender, *rotation});
 }
 
@@ -96,8 +99,10 @@ void NetworkInput::takeOpenTrack(const Datagram& datagram) {
         ++received.unusable;
         return;
     }
-    received.samples.push_back(
-        {{.input = Input::openTrack, .address = datagram.address, .port = datagram.port}, *rotation});
+    received.samples.push_back({{.input = Input::openTrack,
+                                 .address = datagram.address,
+                                 .port = openTrackSenders.known(datagram.address, datagram.port)},
+                                *rotation});
 }
 
 } // namespace orvane::kestrum::track

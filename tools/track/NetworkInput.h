@@ -4,6 +4,7 @@
 #include "track/Dialects.h"
 #include "track/OscParser.h"
 #include "track/Sample.h"
+#include "track/SenderTable.h"
 #include "track/UdpSocket.h"
 
 #include <cstdint>
@@ -24,7 +25,7 @@ struct NetworkOptions {
 /// What came in since the last look.
 struct Received {
     std::vector<Sample> samples; ///< Oldest first.
-    bool recentre = false;       ///< Somebody asked for it after the last of the samples.
+    bool recentre = false;       ///< Somebody asked for it, before, between or after the samples.
     std::uint64_t unusable = 0;  ///< Packets that are no OSC, and messages whose numbers are no direction.
     std::string unknownAddress;  ///< One of those that tell no direction; printable.
 };
@@ -55,6 +56,8 @@ private:
     DialectReader reader;
     std::unique_ptr<UdpSocket> osc;
     std::unique_ptr<UdpSocket> openTrack;
+    SenderTable oscSenders;
+    SenderTable openTrackSenders;
     OscParser parser;
     Source sender; ///< Of the datagram that is being taken apart.
     Received received;

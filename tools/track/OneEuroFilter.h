@@ -22,19 +22,28 @@ class OneEuroFilter {
 public:
     explicit OneEuroFilter(const Smoothing& smoothing) : smoothing(smoothing) {}
 
-    /// Takes a measured direction. The first one after reset(), or after half a second of silence, passes as it is.
+    /// Takes a measured direction. The first one after reset(), or after half a second of silence, passes as it is. One
+    /// that comes within a millisecond of the last takes its place, since packets that come in one go, or the single
+    /// angles of one direction, are one movement and not infinitely fast ones.
     /// @return the calmed one, drawn out by the prediction.
     Rotation step(const Rotation& measured, Instant now);
 
-    void reset() { running = false; }
+    void reset() { present = before = {}; }
 
 private:
+    struct State {
+        bool running = false;
+        Instant time{};
+        Rotation measured;
+        Rotation calmed;
+        Turn velocity; ///< About the head's own axes, radians a second.
+    };
+
+    State stepped(const State& from, const Rotation& measured, Instant now) const;
+
     Smoothing smoothing;
-    bool running = false;
-    Instant last{};
-    Rotation lastMeasured;
-    Rotation calmed;
-    Turn velocity; ///< About the head's own axes, radians a second.
+    State present;
+    State before; ///< What the present one was stepped from.
 };
 
 } // namespace orvane::kestrum::track

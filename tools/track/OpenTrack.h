@@ -16,8 +16,7 @@ inline constexpr std::uint16_t openTrackPort = 4242;
 ///
 /// Shape   six little-endian doubles: x, y, z, yaw, pitch, roll; nothing else.
 /// Units   centimetres, which are not used; degrees: yaw to the right, pitch upwards, roll to the left.
-/// Source  opentrack/opentrack, issues 155 and 881, proto-udp; the signs as its outputs for FlightGear and
-///         SimConnect turn them.
+/// Source  opentrack/opentrack, proto-udp; the signs as its output for SimConnect turns them.
 /// @return empty for anything else.
 std::optional<Rotation> readOpenTrack(std::span<const std::byte> packet, const Correction& correction);
 

@@ -36,6 +36,10 @@ double numberOf(char type, const lo_arg* argument) {
         return copied<std::int32_t>(argument);
     case LO_INT64:
         return copied<std::int64_t>(argument);
+    case LO_TRUE:
+        return 1;
+    case LO_FALSE:
+        return 0;
     default:
         return std::numeric_limits<double>::quiet_NaN();
     }
@@ -44,14 +48,17 @@ double numberOf(char type, const lo_arg* argument) {
 /// The library's object that dispatches is a server, and its UDP servers listen on every address. A local socket
 /// whose name is gone at once listens to nobody.
 lo_server makeDeafServer() {
-    std::string folder = (std::filesystem::temp_directory_path() / "kestrum-osc-XXXXXX").string();
+    std::error_code ignored;
+    const auto temporary = std::filesystem::temp_directory_path(ignored);
+    if (temporary.empty())
+        throw TrackError(
+            "The folder for temporary files that TMPDIR names does not exist: name another one there.");
+    std::string folder = (temporary / "kestrum-osc-XXXXXX").string();
     if (mkdtemp(folder.data()) == nullptr)
-        throw TrackError("No temporary folder can be made in \"" +
-                         std::filesystem::temp_directory_path().string() +
+        throw TrackError("No temporary folder can be made in \"" + temporary.string() +
                          "\": make room there, or name another one in TMPDIR.");
     lo_server server =
         lo_server_new_with_proto((folder + "/socket").c_str(), LO_UNIX, [](int, const char*, const char*) {});
-    std::error_code ignored;
     std::filesystem::remove_all(folder, ignored);
     if (server == nullptr)
         throw TrackError("OSC cannot be read: the temporary folder \"" + folder +

@@ -24,6 +24,8 @@ std::string Source::kind() const {
     return text;
 }
 
+std::string Source::whose() const { return kind() + " " + std::to_string(address); }
+
 std::string Source::describe() const {
     std::string text = kind();
     if (address == 0)

@@ -28,6 +28,9 @@ struct Source {
     /// What is the same for every such sender: "osc /ypr".
     std::string kind() const;
 
+    /// What stays the same when the sender is started again: its kind and its machine.
+    std::string whose() const;
+
     /// Such as "osc /ypr from 127.0.0.1:50123".
     std::string describe() const;
 };

@@ -5,10 +5,8 @@
 
 #include <nlohmann/json.hpp>
 
-#include <array>
-#include <chrono>
+#include <algorithm>
 #include <cmath>
-#include <cstdlib>
 
 #include <fcntl.h>
 #include <sys/file.h>
@@ -54,45 +52,6 @@ std::string refusal(const std::filesystem::path& path) {
 }
 
 } // namespace
-
-double unixTime() {
-    return std::chrono::duration<double>(std::chrono::system_clock::now().time_since_epoch()).count();
-}
-
-std::filesystem::path statusPath() {
-    const char* const runtime = std::getenv("XDG_RUNTIME_DIR");
-    if (runtime != nullptr && std::filesystem::path(runtime).is_absolute())
-        return std::filesystem::path(runtime) / "orvane-kestrum" / "track.json";
-    return std::filesystem::path("/tmp") / ("orvane-kestrum-" + std::to_string(getuid())) / "track.json";
-}
-
-std::optional<TrackStatus> readStatus(const std::filesystem::path& path) {
-    const int descriptor = open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK);
-    if (descriptor < 0)
-        return std::nullopt;
-    std::array<char, 4 * contentLength> content{};
-    const ssize_t count = pread(descriptor, content.data(), content.size(), 0);
-    const bool alive = flock(descriptor, LOCK_SH | LOCK_NB) != 0;
-    close(descriptor);
-    if (count <= 0)
-        return std::nullopt;
-    const auto json = nlohmann::json::parse(content.data(), content.data() + count, nullptr, false);
-    if (!json.is_object())
-        return std::nullopt;
-    try {
-        TrackStatus status{.pid = json.at("pid").get<int>(),
-                           .source = json.at("source").get<std::string>(),
-                           .started = json.at("started").get<double>(),
-                           .lastPacket = std::nullopt,
-                           .active = json.at("active").get<bool>(),
-                           .alive = alive};
-        if (const auto& last = json.at("lastPacket"); !last.is_null())
-            status.lastPacket = last.get<double>();
-        return status;
-    } catch (const nlohmann::json::exception&) {
-        return std::nullopt;
-    }
-}
 
 StatusFile::StatusFile(const std::filesystem::path& givenPath) : path(givenPath) {
     requireOwnFolder(path.parent_path());

@@ -1,30 +1,16 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "headlink/TrackStatus.h"
+
 #include <filesystem>
-#include <optional>
-#include <string>
 
 namespace orvane::kestrum::track {
 
-/// Who drives the link, as other programs may know it.
-struct TrackStatus {
-    int pid = 0;
-    std::string source;               ///< Who sends; empty before the first packet.
-    double started = 0;               ///< Unix time in seconds.
-    std::optional<double> lastPacket; ///< Likewise.
-    bool active = false;              ///< Whether the plug-ins follow at the moment.
-    bool alive = false;               ///< Whether the process still runs. Not in the file: its lock tells.
-};
-
-/// orvane-kestrum/track.json in $XDG_RUNTIME_DIR; without that, in a folder of the user's among the temporary files.
-std::filesystem::path statusPath();
-
-/// Empty when there is no such file or it holds nothing to read. Takes nothing and changes nothing.
-std::optional<TrackStatus> readStatus(const std::filesystem::path& path);
-
-/// The present Unix time in seconds.
-double unixTime();
+using headlink::readStatus;
+using headlink::statusPath;
+using headlink::TrackStatus;
+using headlink::unixTime;
 
 /// The status of this process, locked as long as the object lives; gone afterwards. Before the first write, the file
 /// still says who left it.

@@ -10,6 +10,9 @@
 namespace orvane::kestrum::track {
 
 /// The terminal that the program was started from, if there is one: single keys in, one redrawn line out.
+///
+/// While the program runs in the background, the terminal is the shell's: no key is read, no line redrawn and no setting
+/// changed.
 class Terminal {
 public:
     /// Keys come at once and unseen from here on.
@@ -18,11 +21,14 @@ public:
     Terminal(const Terminal&) = delete;
     Terminal& operator=(const Terminal&) = delete;
 
+    /// Looks whether the program is in the foreground, and takes the terminal when it has come there; often enough.
+    void follow();
+
     /// A key that was pressed; empty when none waits.
     std::optional<char> key();
 
     /// Where keys come from, to wait for; -1 without.
-    int keyDescriptor() const { return keys ? 0 : -1; }
+    int keyDescriptor() const { return keys && foreground ? 0 : -1; }
 
     /// Draws the line anew. Nothing when the output is no terminal.
     void show(std::string_view line);
@@ -30,14 +36,15 @@ public:
     /// Puts a lasting line of text above the redrawn one; on any kind of output.
     void say(std::string_view text);
 
-    /// Gives the terminal its own ways back, and takes them again, round a stop of the process.
+    /// Gives the terminal its own ways back, until follow().
     void suspend();
-    void resume();
 
 private:
-    termios before{}; ///< The terminal's own ways; first, as asking for them tells whether there are keys.
     bool keys;
     bool drawing;
+    bool foreground = false;
+    bool taken = false;
+    termios before{};  ///< The terminal's own ways, if it is taken.
     std::string shown; ///< What the redrawn line holds.
 };
 

@@ -1,9 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "track/Tracker.h"
 
-#include "ipc/OrvaneParameterServer.h"
 #include "track/GridCentre.h"
-#include "track/LinkProbe.h"
+#include "track/LinkClaim.h"
 #include "track/LinkWriter.h"
 #include "track/Mounting.h"
 #include "track/MountingFile.h"
@@ -14,13 +13,9 @@
 #include "track/TrackError.h"
 #include "track/View.h"
 
-#include <boost/interprocess/exceptions.hpp>
-
 #include <algorithm>
 #include <chrono>
-#include <memory>
 #include <string>
-#include <thread>
 #include <vector>
 
 #include <poll.h>
@@ -34,33 +29,6 @@ using std::chrono::milliseconds;
 
 constexpr milliseconds viewInterval{100};
 constexpr milliseconds statusInterval{1000};
-constexpr milliseconds probePause{200}; ///< Long enough for the slowest tracker to move.
-
-/// Of a tracker that is none of ours nothing is known but what the record shows.
-void requireFreeLink(bool takeOver, const std::optional<TrackStatus>& left) {
-    const auto first = probeLink();
-    if (takeOver || !first || !first->active || (left && !left->alive))
-        return;
-    std::this_thread::sleep_for(probePause);
-    const auto second = probeLink();
-    const bool moves = second && second->rotation != first->rotation;
-    throw TrackError(std::string("The link is active and its direction ") +
-                     (moves ? "moves: another tracker drives it"
-                            : "stands still: another tracker drives it, or has crashed") +
-                     ". End it, or take the link from it with --take-over.");
-}
-
-std::unique_ptr<OrvaneIPC::OrvaneParameterServer> makeServer(bool takeOver,
-                                                             const std::optional<TrackStatus>& left) {
-    requireFreeLink(takeOver, left);
-    try {
-        return std::make_unique<OrvaneIPC::OrvaneParameterServer>();
-    } catch (const boost::interprocess::interprocess_exception&) {
-        throw TrackError(
-            "The link cannot be made, since /dev/shm/OrvaneSharedMemory belongs to somebody else or "
-            "/dev/shm is full: remove that file as its owner, or make room.");
-    }
-}
 
 HeadTrackSettings settingsOf(const TrackOptions& options) {
     HeadTrackSettings settings = options.head;
@@ -77,9 +45,9 @@ public:
           left(readStatus(statusPath())),
           statusFile(statusPath()),
           network(options.network),
-          server(makeServer(options.takeOver, left)),
-          writer(*server->getHeadRotationServer()),
-          signals(*server->getHeadRotationServer()),
+          link(options.takeOver, left),
+          writer(link.server()),
+          signals(link.server()),
           settings(settingsOf(options)),
           head(settings),
           start(Clock::now()),
@@ -124,7 +92,7 @@ private:
     std::optional<TrackStatus> left; ///< By the tracker before.
     StatusFile statusFile;
     NetworkInput network;
-    std::unique_ptr<OrvaneIPC::OrvaneParameterServer> server;
+    LinkClaim link;
     LinkWriter writer;
     Signals signals;
     HeadTrackSettings settings;
@@ -156,6 +124,8 @@ void Tracker::sayHello() {
             (network.reach() == Reach::network ? ", to the whole network." : ", to this machine only."));
     if (left && !left->alive)
         terminal.say("The last tracker was ended by force: what it left is cleared away.");
+    if (link.freedOthers())
+        terminal.say("Instances that followed the link before have their dial back: load them again.");
     terminal.say(
         "The link is up. Load the plug-in now: an instance looks for the link once, when it is made.");
     if (terminal.keyDescriptor() >= 0)
@@ -182,6 +152,7 @@ void Tracker::takeSignals(Instant now) {
 
 void Tracker::takeKeys(Instant now) {
     constexpr char escape = 27;
+    terminal.follow();
     while (const auto key = terminal.key()) {
         switch (*key) {
         case 'r':
@@ -206,11 +177,15 @@ void Tracker::takeKeys(Instant now) {
 }
 
 void Tracker::takePose(Instant now) {
-    if (!calibration || !head.source())
+    if (!calibration)
         return;
-    if (!calibration->add(head.raw()))
+    if (!head.direction(now)) {
+        terminal.say("No sender is heard: let one send, then press space.");
         return;
+    }
     try {
+        if (!calibration->add(*head.source(), head.raw()))
+            return;
         const Mounting mounting = calibration->result();
         calibration.reset();
         const std::string kind = head.source()->kind();
@@ -240,7 +215,7 @@ void Tracker::takeSamples(Instant now) {
             "Messages to \"" + received.unknownAddress +
             "\" tell no direction that is known here; kestrum track --dialects lists those that do.");
     }
-    if (!ending && played.finished() && network.descriptors().empty())
+    if (!ending && played.finished())
         end(now);
 }
 
@@ -327,7 +302,7 @@ void Tracker::stop() {
     writer.release();
     tellStatus();
     Signals::stopProcess();
-    terminal.resume();
+    terminal.follow();
 }
 
 } // namespace

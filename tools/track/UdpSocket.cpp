@@ -3,7 +3,9 @@
 
 #include "track/TrackError.h"
 
+#include <cerrno>
 #include <string>
+#include <system_error>
 
 #include <arpa/inet.h>
 #include <netinet/in.h>
@@ -19,6 +21,16 @@ sockaddr* anyAddress(sockaddr_in& address) {
     return reinterpret_cast<sockaddr*>(&address); // NOLINT(cppcoreguidelines-pro-type-reinterpret-cast)
 }
 
+std::string refusal(std::string_view purpose, std::uint16_t port, int error) {
+    const std::string start = "UDP port " + std::to_string(port) + " for " + std::string(purpose);
+    if (error == EADDRINUSE)
+        return start + " is taken by another program: end that, or choose another port.";
+    if (error == EACCES)
+        return start + " may be opened by root only: choose one from 1024 on.";
+    return start + " cannot be opened (" + std::generic_category().message(error) +
+           "): mend that, or choose another port.";
+}
+
 } // namespace
 
 UdpSocket::UdpSocket(std::string_view purpose, std::uint16_t port, Reach reach)
@@ -30,10 +42,10 @@ UdpSocket::UdpSocket(std::string_view purpose, std::uint16_t port, Reach reach)
     socklen_t length = sizeof(address);
     if (socket < 0 || bind(socket, anyAddress(address), length) != 0 ||
         getsockname(socket, anyAddress(address), &length) != 0) {
+        const int error = errno;
         if (socket >= 0)
             close(socket);
-        throw TrackError("UDP port " + std::to_string(port) + " for " + std::string(purpose) +
-                         " is taken by another program: end that, or choose another port.");
+        throw TrackError(refusal(purpose, port, error));
     }
     boundPort = ntohs(address.sin_port);
 }

@@ -27,7 +27,7 @@ class UdpSocket {
 public:
     /// @param purpose what the port is for, told when it cannot be had.
     /// @param port 0 takes any free one.
-    /// @throws TrackError when another program has the port.
+    /// @throws TrackError when the port cannot be had, with the reason.
     UdpSocket(std::string_view purpose, std::uint16_t port, Reach reach);
     ~UdpSocket();
     UdpSocket(const UdpSocket&) = delete;

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "doctor/ChildProcess.h"
+#include "headlink/ChildProcess.h"
 
 #include <fcntl.h>
 #include <poll.h>
@@ -12,7 +12,7 @@
 #include <exception>
 #include <stdexcept>
 
-namespace orvane::kestrum::doctor {
+namespace orvane::kestrum::headlink {
 
 namespace {
 
@@ -87,4 +87,4 @@ ChildResult inChildProcess(const std::function<std::string()>& work, std::chrono
     return {text[0] == answeredMark ? ChildResult::End::answered : ChildResult::End::refused, text.substr(1)};
 }
 
-} // namespace orvane::kestrum::doctor
+} // namespace orvane::kestrum::headlink

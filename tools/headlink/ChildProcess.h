@@ -5,7 +5,7 @@
 #include <functional>
 #include <string>
 
-namespace orvane::kestrum::doctor {
+namespace orvane::kestrum::headlink {
 
 /// How a child process ended.
 struct ChildResult {
@@ -26,4 +26,4 @@ struct ChildResult {
 /// Errors  std::runtime_error when no process can be made.
 ChildResult inChildProcess(const std::function<std::string()>& work, std::chrono::milliseconds limit);
 
-} // namespace orvane::kestrum::doctor
+} // namespace orvane::kestrum::headlink
