@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "data/AlignedSet.h"
-#include "data/ArrivalRefinement.h"
-#include "data/Arrivals.h"
 #include "data/DataError.h"
-#include "data/Ears.h"
+#include "data/head/AlignedSet.h"
+#include "data/head/ArrivalRefinement.h"
+#include "data/head/Arrivals.h"
+#include "data/head/Ears.h"
 
 #include "SyntheticHead.h"
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "data/About.h"
+#include "data/sets/About.h"
 
 #include "SyntheticRooms.h"
 

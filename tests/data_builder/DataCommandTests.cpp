@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "data/About.h"
 #include "data/DataCommands.h"
 #include "data/DataError.h"
-#include "data/ReverbCommand.h"
-#include "data/SofaReader.h"
+#include "data/head/SofaReader.h"
+#include "data/rooms/ReverbCommand.h"
+#include "data/sets/About.h"
 
 #include "SyntheticRooms.h"
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "data/DataError.h"
-#include "data/DecayCurves.h"
 #include "data/MonotoneCurve.h"
+#include "data/rooms/DecayCurves.h"
 #include "room/DecayTable.h"
 
 #include "SyntheticHead.h"

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "data/DataError.h"
-#include "data/DiffuseField.h"
-#include "data/LowFrequencies.h"
-#include "data/LowerCap.h"
-#include "data/SphereGeometry.h"
+#include "data/head/DiffuseField.h"
+#include "data/head/LowFrequencies.h"
+#include "data/head/LowerCap.h"
+#include "data/head/SphereGeometry.h"
 
 #include "SyntheticHead.h"
 

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // Whole sets with headphones folded in: seconds each.
-#include "data/About.h"
 #include "data/DataError.h"
-#include "data/FolderCheck.h"
-#include "data/HeadphoneFold.h"
-#include "data/HeadphoneReport.h"
+#include "data/headphones/HeadphoneFold.h"
+#include "data/headphones/HeadphoneReport.h"
+#include "data/sets/About.h"
+#include "data/sets/FolderCheck.h"
 
 #include "CompleteFolder.h"
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "data/Grid.h"
+#include "data/head/Grid.h"
 
 #include <gtest/gtest.h>
 

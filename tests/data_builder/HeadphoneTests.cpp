@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "data/DataError.h"
-#include "data/Figures.h"
-#include "data/HeadphoneFold.h"
-#include "data/HeadphoneReport.h"
-#include "data/ParametricEq.h"
+#include "data/headphones/HeadphoneFold.h"
+#include "data/headphones/HeadphoneReport.h"
+#include "data/headphones/ParametricEq.h"
+#include "data/measures/Figures.h"
 
 #include "CompleteFolder.h"
 

@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "data/DataCommands.h"
 #include "data/DataError.h"
-#include "data/FolderCheck.h"
-#include "data/HrirBuilder.h"
-#include "data/SofaReader.h"
 #include "data/TenmarshHrir.h"
 #include "data/TenmarshHrirReader.h"
+#include "data/head/HrirBuilder.h"
+#include "data/head/SofaReader.h"
+#include "data/sets/FolderCheck.h"
 
 #include "base/SampleBuffer.h"
 

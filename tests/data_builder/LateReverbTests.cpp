@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "data/LateReverb.h"
-#include "data/MeasuredSet.h"
-#include "data/ReverbBuilder.h"
-#include "data/RoomMeasures.h"
+#include "data/head/MeasuredSet.h"
+#include "data/measures/RoomMeasures.h"
+#include "data/rooms/LateReverb.h"
+#include "data/rooms/ReverbBuilder.h"
 
 #include "SyntheticRooms.h"
 

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "data/DataError.h"
-#include "data/ParametricEq.h"
+#include "data/headphones/ParametricEq.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "data/Arrivals.h"
-#include "data/Figures.h"
-#include "data/Rendering.h"
+#include "data/head/Arrivals.h"
+#include "data/measures/Figures.h"
+#include "data/measures/Rendering.h"
 
 #include "SyntheticHead.h"
 

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "data/About.h"
 #include "data/DataError.h"
-#include "data/FolderCheck.h"
-#include "data/ResponseSet.h"
+#include "data/head/ResponseSet.h"
+#include "data/sets/About.h"
+#include "data/sets/FolderCheck.h"
 
 #include "SyntheticHead.h"
 

@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "data/DataCommands.h"
-#include "data/FolderCheck.h"
-#include "data/MeasuredSet.h"
-#include "data/ResponseSet.h"
-#include "data/ReverbCommand.h"
-#include "data/RoomTargets.h"
-#include "data/SceneProbe.h"
+#include "data/head/MeasuredSet.h"
+#include "data/head/ResponseSet.h"
+#include "data/measures/SceneProbe.h"
+#include "data/rooms/ReverbCommand.h"
+#include "data/rooms/RoomTargets.h"
+#include "data/sets/FolderCheck.h"
 #include "parameters/core/Scene.h"
 
 #include "SyntheticHead.h"

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "data/DataError.h"
-#include "data/ReverbCalibration.h"
+#include "data/rooms/ReverbCalibration.h"
 
 #include "SyntheticRooms.h"
 

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "data/DataError.h"
 #include "data/FileReader.h"
-#include "data/FolderCheck.h"
-#include "data/ReverbFile.h"
+#include "data/rooms/ReverbFile.h"
+#include "data/sets/FolderCheck.h"
 #include "room/ReverbImpulseResponse.h"
 
 #include "SyntheticRooms.h"

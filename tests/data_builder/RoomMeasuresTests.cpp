@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "data/RoomMeasures.h"
+#include "data/measures/RoomMeasures.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

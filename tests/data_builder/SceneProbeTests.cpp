@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "data/DataError.h"
-#include "data/SceneProbe.h"
+#include "data/measures/SceneProbe.h"
 
 #include "SyntheticFolder.h"
 

@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "data/DataError.h"
-#include "data/FolderReport.h"
-#include "data/Grid.h"
-#include "data/Loudness.h"
-#include "data/ReportPage.h"
-#include "data/ResponseSet.h"
-#include "data/SceneMeasures.h"
+#include "data/head/Grid.h"
+#include "data/head/ResponseSet.h"
+#include "data/measures/Loudness.h"
+#include "data/measures/SceneMeasures.h"
+#include "data/reports/FolderReport.h"
+#include "data/reports/ReportPage.h"
 #include "parameters/core/Scene.h"
 
 #include "SyntheticFolder.h"

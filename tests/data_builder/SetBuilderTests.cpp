@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "data/About.h"
 #include "data/DataError.h"
-#include "data/FolderCheck.h"
-#include "data/SetBuilder.h"
-#include "data/SofaReader.h"
+#include "data/head/SofaReader.h"
+#include "data/sets/About.h"
+#include "data/sets/FolderCheck.h"
+#include "data/sets/SetBuilder.h"
 
 #include "CompleteFolder.h"
 #include "SofaFile.h"

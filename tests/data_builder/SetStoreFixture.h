@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "data/About.h"
 #include "data/DataError.h"
-#include "data/SetCommands.h"
-#include "data/SetStore.h"
+#include "data/sets/About.h"
+#include "data/sets/SetCommands.h"
+#include "data/sets/SetStore.h"
 
 #include "CompleteFolder.h"
 

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // Files that people have: every one is either read as what it is or refused with the reason.
 #include "data/DataError.h"
-#include "data/Ears.h"
-#include "data/HrirBuilder.h"
-#include "data/SofaReader.h"
+#include "data/head/Ears.h"
+#include "data/head/HrirBuilder.h"
+#include "data/head/SofaReader.h"
 
 #include "SofaFile.h"
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "data/SphereGeometry.h"
+#include "data/head/SphereGeometry.h"
 
 #include "SyntheticHead.h"
 

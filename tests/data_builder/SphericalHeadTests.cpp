@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "data/SphericalHead.h"
+#include "data/head/SphericalHead.h"
 
 #include <gtest/gtest.h>
 

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "data/Grid.h"
-#include "data/ResponseSet.h"
-#include "data/ReverbCalibration.h"
+#include "data/head/Grid.h"
+#include "data/head/ResponseSet.h"
+#include "data/rooms/ReverbCalibration.h"
 
 #include "support/ReverbFiles.h"
 #include "support/SphericalHead.h"

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "data/MeasuredSet.h"
+#include "data/head/MeasuredSet.h"
 
 #include "support/WaveFile.h"
 

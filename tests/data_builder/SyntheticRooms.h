@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "data/DiffuseHead.h"
-#include "data/LateReverb.h"
-#include "data/ReverbFile.h"
+#include "data/rooms/DiffuseHead.h"
+#include "data/rooms/LateReverb.h"
+#include "data/rooms/ReverbFile.h"
 
 #include "SyntheticHead.h"
 

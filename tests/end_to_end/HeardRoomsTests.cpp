@@ -3,8 +3,8 @@
 // what room acoustics says of the file that comes out is compared with what the Scene is meant to be.
 #include "RenderedFile.h"
 
-#include "data/RoomMeasures.h"
-#include "data/RoomTargets.h"
+#include "data/measures/RoomMeasures.h"
+#include "data/rooms/RoomTargets.h"
 #include "parameters/core/Scene.h"
 
 #include <gtest/gtest.h>

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "data/About.h"
-#include "data/HeadphoneFold.h"
+#include "data/headphones/HeadphoneFold.h"
+#include "data/sets/About.h"
 
 #include "SoundFolder.h"
 

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "data/DataError.h"
-#include "data/MeasuredSet.h"
+#include "data/head/MeasuredSet.h"
 #include "room/MeasuredBands.h"
 #include "room/MeasuredRoom.h"
 

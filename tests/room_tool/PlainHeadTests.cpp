@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "data/About.h"
+#include "data/sets/About.h"
 #include "room/PlainHead.h"
 
 #include "FoldedFolder.h"

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "data/DecaySearch.h"
-#include "data/ReportPage.h"
-#include "data/ReverbBuilder.h"
+#include "data/reports/ReportPage.h"
+#include "data/rooms/DecaySearch.h"
+#include "data/rooms/ReverbBuilder.h"
 #include "room/OwnRoom.h"
 #include "room/RoomCommand.h"
 

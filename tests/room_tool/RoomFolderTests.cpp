@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "data/About.h"
 #include "data/DataError.h"
-#include "data/FolderCheck.h"
+#include "data/sets/About.h"
+#include "data/sets/FolderCheck.h"
 #include "room/FolderInTheMaking.h"
 #include "room/RoomFolder.h"
 

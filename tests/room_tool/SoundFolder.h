@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "data/About.h"
-#include "data/Grid.h"
-#include "data/ResponseSet.h"
-#include "data/ReverbCalibration.h"
+#include "data/head/Grid.h"
+#include "data/head/ResponseSet.h"
+#include "data/rooms/ReverbCalibration.h"
+#include "data/sets/About.h"
 
 #include "../data_builder/SyntheticHead.h"
 #include "support/ReverbFiles.h"

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "data/LateReverb.h"
-#include "data/RandomNumbers.h"
-#include "data/RoomDescriptions.h"
-#include "data/ThirdOctaves.h"
+#include "data/measures/ThirdOctaves.h"
+#include "data/rooms/LateReverb.h"
+#include "data/rooms/RandomNumbers.h"
+#include "data/rooms/RoomDescriptions.h"
 #include "room/RoomStatistics.h"
 
 #include "support/WaveFile.h"

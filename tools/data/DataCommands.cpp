@@ -1,18 +1,18 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "data/DataCommands.h"
 
-#include "data/About.h"
 #include "data/DataError.h"
-#include "data/DecayTableCommand.h"
-#include "data/FolderCheck.h"
-#include "data/HrirBuilder.h"
-#include "data/Report.h"
-#include "data/ReportCommand.h"
-#include "data/ReportPage.h"
-#include "data/ReverbCommand.h"
-#include "data/SetBuilder.h"
-#include "data/SetCommands.h"
-#include "data/SofaReader.h"
+#include "data/head/HrirBuilder.h"
+#include "data/head/SofaReader.h"
+#include "data/reports/Report.h"
+#include "data/reports/ReportCommand.h"
+#include "data/reports/ReportPage.h"
+#include "data/rooms/DecayTableCommand.h"
+#include "data/rooms/ReverbCommand.h"
+#include "data/sets/About.h"
+#include "data/sets/FolderCheck.h"
+#include "data/sets/SetBuilder.h"
+#include "data/sets/SetCommands.h"
 
 #include <CLI/CLI.hpp>
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "data/HrirBuilder.h"
+#include "data/head/HrirBuilder.h"
 
 #include <filesystem>
 #include <iosfwd>

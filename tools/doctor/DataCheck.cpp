@@ -2,8 +2,8 @@
 #include "doctor/Checks.h"
 #include "doctor/Remedies.h"
 
-#include "data/About.h"
-#include "data/FolderCheck.h"
+#include "data/sets/About.h"
+#include "data/sets/FolderCheck.h"
 
 #include <nlohmann/json.hpp>
 

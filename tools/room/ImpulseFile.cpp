@@ -2,10 +2,10 @@
 #include "room/ImpulseFile.h"
 
 #include "data/DataError.h"
-#include "data/LateReverb.h"
-#include "data/MeasuredSet.h"
-#include "data/Rendering.h"
-#include "data/ReportPage.h"
+#include "data/head/MeasuredSet.h"
+#include "data/measures/Rendering.h"
+#include "data/reports/ReportPage.h"
+#include "data/rooms/LateReverb.h"
 
 #include <sndfile.h>
 

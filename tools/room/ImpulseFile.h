@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "data/RoomMeasures.h"
+#include "data/measures/RoomMeasures.h"
 
 #include <cstddef>
 #include <filesystem>

@@ -2,10 +2,10 @@
 #include "room/MeasuredBands.h"
 
 #include "data/DataError.h"
-#include "data/LateReverb.h"
-#include "data/MeasuredSet.h"
-#include "data/RandomNumbers.h"
-#include "data/ReportPage.h"
+#include "data/head/MeasuredSet.h"
+#include "data/reports/ReportPage.h"
+#include "data/rooms/LateReverb.h"
+#include "data/rooms/RandomNumbers.h"
 
 #include <algorithm>
 #include <cmath>

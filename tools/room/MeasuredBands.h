@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "data/DiffuseHead.h"
-#include "data/ReverbShaping.h"
+#include "data/rooms/DiffuseHead.h"
+#include "data/rooms/ReverbShaping.h"
 #include "room/MeasuredRoom.h"
 
 #include <vector>

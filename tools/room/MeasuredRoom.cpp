@@ -2,9 +2,9 @@
 #include "room/MeasuredRoom.h"
 
 #include "data/DataError.h"
-#include "data/LateReverb.h"
-#include "data/MeasuredSet.h"
-#include "data/ReportPage.h"
+#include "data/head/MeasuredSet.h"
+#include "data/reports/ReportPage.h"
+#include "data/rooms/LateReverb.h"
 
 #include <algorithm>
 #include <cmath>

@@ -2,10 +2,10 @@
 #include "room/OwnRoom.h"
 
 #include "data/DataError.h"
-#include "data/DecaySearch.h"
-#include "data/LateReverb.h"
-#include "data/ReportPage.h"
-#include "data/ReverbBuilder.h"
+#include "data/reports/ReportPage.h"
+#include "data/rooms/DecaySearch.h"
+#include "data/rooms/LateReverb.h"
+#include "data/rooms/ReverbBuilder.h"
 #include "parameters/core/Scene.h"
 #include "render/Names.h"
 #include "room/MeasuredBands.h"
@@ -122,6 +122,10 @@ void setSize(OwnRoom& room, const RoomRequest& request) {
     if (!given && room.measured)
         return;
     room.box = roomBox(request.volume, request.walls);
+    if (room.box->walls && !room.box->sizedByWalls())
+        room.notes.push_back("The walls make a box of " + fixedText(room.box->walls->volume(), 0) +
+                             " m3, the room has " + fixedText(room.box->volume, 0) +
+                             " m3: its reverb follows the latter, its first reflection the walls.");
     room.distance = request.distance.value_or(defaultDistance(*room.box));
     requireInside(*room.box, room.distance);
     requirePossible(*room.box, room.wanted);

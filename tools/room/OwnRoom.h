@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "data/DiffuseHead.h"
-#include "data/ReverbFile.h"
-#include "data/RoomTargets.h"
+#include "data/rooms/DiffuseHead.h"
+#include "data/rooms/ReverbFile.h"
+#include "data/rooms/RoomTargets.h"
 #include "room/MeasuredRoom.h"
 #include "room/RoomRequest.h"
 

@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "room/PlainHead.h"
 
-#include "data/About.h"
 #include "data/DataError.h"
-#include "data/FolderCheck.h"
-#include "data/HeadphoneFold.h"
-#include "data/ResponseSet.h"
+#include "data/head/ResponseSet.h"
+#include "data/headphones/HeadphoneFold.h"
+#include "data/sets/About.h"
+#include "data/sets/FolderCheck.h"
 
 #include <string>
 

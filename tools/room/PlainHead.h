@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "data/HeadphoneCurve.h"
-#include "data/SetStore.h"
+#include "data/headphones/HeadphoneCurve.h"
+#include "data/sets/SetStore.h"
 
 #include <filesystem>
 #include <optional>

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "room/RoomFolder.h"
 
-#include "data/About.h"
 #include "data/DataError.h"
-#include "data/FolderCheck.h"
-#include "data/ReverbBuilder.h"
+#include "data/rooms/ReverbBuilder.h"
+#include "data/sets/About.h"
+#include "data/sets/FolderCheck.h"
 #include "room/FolderInTheMaking.h"
 
 #include <algorithm>

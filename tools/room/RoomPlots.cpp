@@ -2,7 +2,7 @@
 #include "room/RoomPlots.h"
 
 #include "data/DataError.h"
-#include "data/LateReverb.h"
+#include "data/rooms/LateReverb.h"
 
 #include <algorithm>
 #include <array>

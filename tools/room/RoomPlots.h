@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "data/ReportPage.h"
+#include "data/reports/ReportPage.h"
 #include "room/RoomReport.h"
 
 #include <filesystem>

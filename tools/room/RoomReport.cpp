@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "room/RoomReport.h"
 
-#include "data/LateReverb.h"
-#include "data/ReportPage.h"
+#include "data/reports/ReportPage.h"
+#include "data/rooms/LateReverb.h"
 #include "room/RoomPlots.h"
 
 #include <algorithm>

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "data/ReverbCalibration.h"
-#include "data/SceneMeasures.h"
+#include "data/measures/SceneMeasures.h"
+#include "data/rooms/ReverbCalibration.h"
 #include "room/OwnRoom.h"
 
 #include <filesystem>

@@ -2,7 +2,7 @@
 #include "room/RoomStatistics.h"
 
 #include "data/DataError.h"
-#include "data/ReportPage.h"
+#include "data/reports/ReportPage.h"
 
 #include <algorithm>
 #include <cmath>
@@ -54,25 +54,24 @@ double Walls::surface() const {
     return 2 * (length * width + length * height + width * height);
 }
 
+bool RoomBox::sizedByWalls() const { return walls && walls->volume() == volume; }
+
 RoomBox roomBox(std::optional<double> volume, const std::vector<double>& walls) {
     constexpr double least = 1;
     constexpr double most = 1e6;
-    if (volume && !walls.empty())
-        throw DataError(
-            "The room's size is told twice: give either --volume or --walls, whose distances make a "
-            "volume already.");
     RoomBox box;
-    if (!walls.empty()) {
+    if (!walls.empty())
         box.walls = wallsFrom(walls);
-        box.surface = box.walls->surface();
-    }
     if (!volume && !box.walls)
         throw DataError("The room's size is missing: give --volume in cubic metres, or --walls.");
     box.volume = volume ? *volume : box.walls->volume();
     if (!within(box.volume, least, most))
         throw DataError("A volume of " + shortest(box.volume) +
                         " m3 is no room's: give 1 to 1000000 m3 with --volume.");
-    if (!box.walls) {
+    if (box.walls) {
+        // A room that is no box has the proportions of one.
+        box.surface = box.walls->surface() * std::pow(box.volume / box.walls->volume(), 2.0 / 3);
+    } else {
         const double middle = std::cbrt(box.volume);
         const double step = std::cbrt(2.0);
         box.surface = 2 * middle * middle * (1 + step + 1 / step);
@@ -107,7 +106,7 @@ void requirePossible(const RoomBox& box, const OctaveTimes& t60) {
             throw DataError("No room of " + fixedText(box.volume, 0) + " m3 decays within " +
                             fixedText(t60[octave], 2) + " s at " + shortest(roomOctavesHz[octave]) +
                             " Hz, as its walls would have to swallow everything: give " +
-                            (box.walls ? "shorter distances with --walls" : "a smaller --volume") +
+                            (box.sizedByWalls() ? "shorter distances with --walls" : "a smaller --volume") +
                             " or a longer T60.");
 }
 

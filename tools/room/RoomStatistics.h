@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "data/RoomMeasures.h"
+#include "data/measures/RoomMeasures.h"
 
 #include <array>
 #include <optional>
@@ -34,11 +34,13 @@ struct RoomBox {
     double volume = 0;          ///< Cubic metres.
     double surface = 0;         ///< Square metres.
     std::optional<Walls> walls; ///< Where they were told.
+
+    bool sizedByWalls() const; ///< The volume is that of the walls.
 };
 
-/// @param volume none where walls are told: they have theirs.
+/// @param volume of the air; none to take that of the walls. With both the walls tell proportions and first reflections.
 /// @param walls six, or none; then the room's sides are taken as 1 to 1.26 to 1.59.
-/// @throws DataError for a size that no room has, or that is told in both ways.
+/// @throws DataError for a size that no room has.
 RoomBox roomBox(std::optional<double> volume, const std::vector<double>& walls);
 
 /// @param given one for the middle, which bass and treble follow as they do in the plug-in's own rooms, or seven.
