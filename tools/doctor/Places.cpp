@@ -68,7 +68,7 @@ fs::path firstClosed(const fs::path& path, uid_t user) {
             above = above.parent_path();
             continue;
         }
-        const fs::path next = part.empty() || part == "." ? above : above / part;
+        fs::path next = part.empty() || part == "." ? above : above / part;
         std::error_code failure;
         if (const fs::path target = fs::read_symlink(next, failure); !failure) {
             ++links;

@@ -35,7 +35,7 @@ public:
 private:
     static std::filesystem::path folder() {
         std::error_code missing;
-        const auto named = std::filesystem::temp_directory_path(missing);
+        auto named = std::filesystem::temp_directory_path(missing);
         if (missing)
             throw render::RenderError("There is no folder for temporary files (" + missing.message() +
                                       "): name one of yours in TMPDIR.");

@@ -64,7 +64,7 @@ std::string joined(const std::vector<std::string>& words) {
 std::string kindOf(const Command& command, const CLI::Option& option, const std::vector<std::string>& names,
                    const Choices& choices) {
     for (const std::string& name : names) {
-        if (const std::string listing = command.spelled(" ") + " " + name; choices.listings.contains(listing))
+        if (std::string listing = command.spelled(" ") + " " + name; choices.listings.contains(listing))
             return listing;
         if (choices.names.contains(name))
             return name;

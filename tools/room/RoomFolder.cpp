@@ -45,7 +45,7 @@ fs::path requireSource(const fs::path& data) {
         throw DataError(
             "\"" + data.string() +
             "\" is no folder: name a data folder with --data, or make one with scripts/install-data.");
-    const fs::path folder = fs::canonical(data);
+    fs::path folder = fs::canonical(data);
     for (const FileVerdict& verdict : checkDataFolder(folder))
         if (!verdict.sound)
             throw DataError("\"" + (folder / verdict.name).string() + "\" cannot serve, " + verdict.finding +
