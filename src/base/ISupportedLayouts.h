@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "base/ChannelOrder.h"
 #include "base/Speaker.h"
 
 #include <cstdint>
@@ -17,7 +18,9 @@ public:
         std::uint32_t id = 0; ///< Selector identifier of `name`.
         std::string name;
         std::uint64_t channelCount = 0; ///< Entries of `speakers`, the low-frequency channel included.
-        std::vector<Speaker> speakers;  ///< Entry i is bus channel i.
+        std::vector<Speaker> speakers;  ///< Entry i is bus channel i, unless `busOrder` tells another.
+        const ChannelOrder* busOrder =
+            nullptr; ///< Borrowed, outlives the engines; null for a bus in this order.
     };
 
     virtual ~ISupportedLayouts() = default;

@@ -62,7 +62,7 @@ void Engine::process(const SampleBuffer& input, SampleBuffer& output) {
         return;
     }
     for (std::size_t channel = 0; channel < inputFifo.size(); ++channel) {
-        const SampleSpan samples = input.channel(channel);
+        const SampleSpan samples = input.channel(busOrder != nullptr ? busOrder->get(channel) : channel);
         inputFifo[channel].push(samples.data, samples.length);
     }
     if (inputFifo.front().size() >= blockSize)

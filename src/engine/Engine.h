@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "base/ChannelOrder.h"
 #include "base/IComponentFactory.h"
 #include "base/IEngine.h"
 #include "base/IFade.h"
@@ -61,6 +62,10 @@ public:
     /// m. Building thread only.
     virtual void addLowFrequencyChannel(std::size_t channelIndex);
 
+    /// Takes the bus's channels in another order than the layout's. Building thread only.
+    /// @param order borrowed for the engine's life; null for the layout's own order.
+    void takeChannelsIn(const ChannelOrder* order) noexcept { busOrder = order; }
+
     /// Lets the output stage take over the present gain at once, while nothing has been heard yet, instead of
     /// gliding there from the gain of the time of building. Audio thread, before the first block.
     void settleOutputGain() ORVANE_REALTIME;
@@ -77,6 +82,7 @@ private:
     IParameterSet* parameterSet;
     std::unique_ptr<IReloadParameterSet> reloadParameters;
     IHrir* hrir;
+    const ChannelOrder* busOrder = nullptr;
     SampleBuffer workBuffer;            ///< [channelCount][blockSize], one internal block of the input.
     SampleBuffer mixBuffer;             ///< [2][blockSize], the sum of all sources.
     SampleBuffer speakerBuffer;         ///< [2][blockSize], the output of one spatial processor.

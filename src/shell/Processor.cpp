@@ -54,6 +54,7 @@ Processor::Processor(const juce::String& name, std::unique_ptr<core::IComponentF
       componentFactory(std::move(givenComponentFactory)),
       factory(std::move(givenFactory)),
       supportedLayouts(componentFactory->createSupportedLayouts()),
+      busLayouts(*supportedLayouts),
       processorState(factory->createProcessorState("ORVANEKESTRUM", supportedLayouts.get())),
       hrir(hrir),
       parameterClient(givenParameterClient.get()),
@@ -69,10 +70,11 @@ Processor::Processor(const juce::String& name, std::unique_ptr<core::IComponentF
                                                       parameterSet.get())),
       ambienceMapper(componentFactory->createAmbienceMapper(processorState->getAmbience(),
                                                             processorState->getScene(), parameterSet.get())),
-      engineManager(componentFactory->createEngineManager(
-          processorState->getSpeakerSetup(), supportedLayouts.get(), parameterSet.get(), hrir,
-          dataDirectory(), [this] { updateRenderingParameters(); })) {
+      engineManager(componentFactory->createEngineManager(processorState->getSpeakerSetup(), &busLayouts,
+                                                          parameterSet.get(), hrir, dataDirectory(),
+                                                          [this] { updateRenderingParameters(); })) {
     addPresenters();
+    followBus(); // the base class has no way to tell of its first bus
     setLatencySamples(nextPowerOfTwo(getBlockSize()));
 }
 
@@ -188,6 +190,9 @@ void Processor::numChannelsChanged() {
     busesLayoutListeners.notify(
         [&](BusesLayoutListener& listener) { listener.busesLayoutChanged(inputChannelCount); });
 }
+
+/// Lets each layout take the channels of the main input bus by the names that the host gave them.
+void Processor::followBus() { busLayouts.followBus(getChannelLayoutOfBus(true, 0)); }
 
 bool Processor::isBusesLayoutSupported(const BusesLayout& layout) const {
     // Any input will do: one that is too narrow for the chosen loudspeakers gives silence, not a refusal.

@@ -8,6 +8,7 @@
 #include "parameters/core/IParameterMapper.h"
 #include "parameters/core/IParameterSet.h"
 #include "parameters/core/ListenerSet.h"
+#include "shell/BusLayouts.h"
 #include "ui/IFactory.h"
 #include "ui/IParameterPresenter.h"
 #include "ui/IProcessor.h"
@@ -77,6 +78,7 @@ public:
     void getStateInformation(juce::MemoryBlock& destination) override;
     void setStateInformation(const void* data, int size) override;
     void numChannelsChanged() override;
+    void processorLayoutsChanged() override { followBus(); }
     bool isBusesLayoutSupported(const BusesLayout& layout) const override;
 
     // IProcessor
@@ -93,6 +95,7 @@ public:
 private:
     void addPresenters();
     void updateRenderingParameters();
+    void followBus();
 
     juce::String name;
     BrevikPluginTools::BrevikTool brevikTool; ///< Gives each editor its help toolbar.
@@ -100,6 +103,7 @@ private:
     std::unique_ptr<core::IComponentFactory> componentFactory;
     std::unique_ptr<IFactory> factory;
     std::unique_ptr<core::ISupportedLayouts> supportedLayouts;
+    BusLayouts busLayouts; ///< The same table for the engines, which take the bus's channels by name.
     std::unique_ptr<IProcessorState> processorState;
     std::atomic<bool> prepared{false};
     std::atomic<bool> errorOccurred{false};

@@ -18,6 +18,7 @@ std::unique_ptr<Engine> EngineBuilder::build(const ISupportedLayouts::Properties
             break;
         }
     }
+    engine->takeChannelsIn(properties.busOrder);
     return engine;
 }
 
