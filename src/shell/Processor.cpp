@@ -1,14 +1,18 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "shell/Processor.h"
 
+#include "base/InputGuard.h"
 #include "base/SampleBuffer.h"
 #include "parameters/core/Scene.h"
+#include "shell/SliderRanges.h"
+#include "shell/StateChunk.h"
 #include "ui/Editor.h"
 #include "ui/toolbar/WebAddresses.h"
 
 #include <algorithm>
 #include <cstdint>
 #include <limits>
+#include <span>
 #include <string_view>
 #include <utility>
 
@@ -29,16 +33,6 @@ std::int32_t wholeHertz(double sampleRate) noexcept {
     return sampleRate > 0.0 && sampleRate < std::numeric_limits<std::int32_t>::max()
                ? static_cast<std::int32_t>(sampleRate)
                : 0;
-}
-
-/// Whether a chunk has the length that its header tells: the framework's reader takes an element whose end
-/// has been cut off for a whole one, and the values that were cut off for zeros.
-bool isWhole(const void* data, int size) noexcept {
-    constexpr int headerSize = 8;
-    if (size <= headerSize)
-        return false;
-    const auto textLength = juce::ByteOrder::littleEndianInt(static_cast<const char*>(data) + 4);
-    return static_cast<std::uint32_t>(size - headerSize) >= textLength;
 }
 
 } // namespace
@@ -100,15 +94,15 @@ void Processor::addPresenters() {
     add(scenesPresenter, factory->createSelectorParameterPresenter("Scenes", processorState->getScene(),
                                                                    std::move(sceneNames)));
 
-    add(ambiencePresenter, factory->createSliderParameterPresenter("Ambience", processorState->getAmbience(),
-                                                                   0.0f, 100.0f, 1.0f));
-    add(focusPresenter,
-        factory->createSliderParameterPresenter("Focus", processorState->getFocus(), -100.0f, 100.0f, 1.0f));
-    add(headRotationPresenter,
-        factory->createSliderParameterPresenter("Head Rotation", processorState->getHeadRotation(), -180.0f,
-                                                180.0f, 1.0f));
-    add(masterGainPresenter, factory->createSliderParameterPresenter(
-                                 "Master Gain", processorState->getMasterGain(), -96.0f, 24.0f, 0.1f));
+    const auto addSlider = [&](std::unique_ptr<IParameterPresenter>& place, const char* parameterName,
+                               core::ISliderValue* value, const SliderRange& range) {
+        add(place, factory->createSliderParameterPresenter(parameterName, value, range.minimum, range.maximum,
+                                                           range.step));
+    };
+    addSlider(ambiencePresenter, "Ambience", processorState->getAmbience(), ambienceRange);
+    addSlider(focusPresenter, "Focus", processorState->getFocus(), focusRange);
+    addSlider(headRotationPresenter, "Head Rotation", processorState->getHeadRotation(), headRotationRange);
+    addSlider(masterGainPresenter, "Master Gain", processorState->getMasterGain(), masterGainRange);
 }
 
 /// Pushes what depends on the Scene into the parameters that a running engine reads.
@@ -155,6 +149,7 @@ void Processor::processBlock(juce::AudioBuffer<float>& buffer, juce::MidiBuffer&
     const auto inputCount = std::min(static_cast<std::uint64_t>(getNumberOfInputChannels()), channelCount);
     const SampleBuffer input(channels, inputCount, frameCount);
     SampleBuffer output(channels, channelCount, frameCount);
+    silenceFaults(input);
     try {
         engineManager->process(input, output);
     } catch (...) {
@@ -174,25 +169,41 @@ juce::AudioProcessorEditor* Processor::createEditor() {
 }
 
 void Processor::getStateInformation(juce::MemoryBlock& destination) {
-    if (const auto xml = processorState->toValueTree().createXml(); xml != nullptr)
-        copyXmlToBinary(*xml, destination);
+    try {
+        if (const auto xml = processorState->toValueTree().createXml(); xml != nullptr)
+            copyXmlToBinary(*xml, destination);
+    } catch (...) {
+        destination.reset(); // no memory: an empty chunk changes nothing when it is loaded
+    }
 }
 
 void Processor::setStateInformation(const void* data, int size) {
-    if (!isWhole(data, size))
+    if (data == nullptr || size < 0 ||
+        !isReadableState({static_cast<const unsigned char*>(data), static_cast<std::size_t>(size)}))
         return;
-    if (const auto xml = getXmlFromBinary(data, size); xml != nullptr)
-        processorState->fromValueTree(juce::ValueTree::fromXml(*xml));
+    try {
+        if (const auto xml = getXmlFromBinary(data, size); xml != nullptr)
+            processorState->fromValueTree(juce::ValueTree::fromXml(*xml));
+    } catch (...) {
+        return; // no memory for the tree, which is whole before the first value is set
+    }
+}
+
+/// Takes over which channels the host's bus has. Their count is kept: the audio thread asks for it while a setup thread may be
+/// changing the framework's own.
+void Processor::followBus() {
+    inputChannelCount = getMainBusNumInputChannels();
+    busLayouts.followBus(getChannelLayoutOfBus(true, 0));
 }
 
 void Processor::numChannelsChanged() {
-    const int inputChannelCount = getNumberOfInputChannels();
-    busesLayoutListeners.notify(
-        [&](BusesLayoutListener& listener) { listener.busesLayoutChanged(inputChannelCount); });
+    followBus(); // before the listeners, who may ask
+    const int count = inputChannelCount;
+    busesLayoutListeners.notify([&](BusesLayoutListener& listener) { listener.busesLayoutChanged(count); });
 }
 
-/// Lets each layout take the channels of the main input bus by the names that the host gave them.
-void Processor::followBus() { busLayouts.followBus(getChannelLayoutOfBus(true, 0)); }
+/// Also when only the names have changed.
+void Processor::processorLayoutsChanged() { followBus(); }
 
 bool Processor::isBusesLayoutSupported(const BusesLayout& layout) const {
     // Any input will do: one that is too narrow for the chosen loudspeakers gives silence, not a refusal.
@@ -205,7 +216,7 @@ void Processor::removeBusesLayoutListener(BusesLayoutListener* listener) {
     busesLayoutListeners.remove(listener);
 }
 
-int Processor::getNumberOfInputChannels() const { return getMainBusNumInputChannels(); }
+int Processor::getNumberOfInputChannels() const { return inputChannelCount; }
 
 void Processor::getHeadRotation(HeadRotationMatrix& matrix) const {
     matrix = parameterSet->getHeadRotation();

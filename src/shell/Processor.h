@@ -78,7 +78,7 @@ public:
     void getStateInformation(juce::MemoryBlock& destination) override;
     void setStateInformation(const void* data, int size) override;
     void numChannelsChanged() override;
-    void processorLayoutsChanged() override { followBus(); }
+    void processorLayoutsChanged() override;
     bool isBusesLayoutSupported(const BusesLayout& layout) const override;
 
     // IProcessor
@@ -105,6 +105,7 @@ private:
     std::unique_ptr<core::ISupportedLayouts> supportedLayouts;
     BusLayouts busLayouts; ///< The same table for the engines, which take the bus's channels by name.
     std::unique_ptr<IProcessorState> processorState;
+    std::atomic<int> inputChannelCount{0};
     std::atomic<bool> prepared{false};
     std::atomic<bool> errorOccurred{false};
     IHrir* hrir;

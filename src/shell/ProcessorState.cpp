@@ -3,7 +3,9 @@
 
 #include "parameters/core/Scene.h"
 #include "parameters/core/SelectorId.h"
+#include "shell/SliderRanges.h"
 
+#include <algorithm>
 #include <bit>
 #include <cmath>
 #include <cstdint>
@@ -40,11 +42,12 @@ std::uint32_t readIdentifier(const juce::ValueTree& tree, const juce::Identifier
 }
 
 /// A number that is not finite is left out: held in a value it would never compare equal, and value and
-/// presenter would go on calling each other.
-void readNumber(const juce::ValueTree& tree, const juce::Identifier& type, core::ISliderValue& target) {
-    const auto number = static_cast<float>(valueOf(tree, type));
+/// presenter would go on calling each other. Any other is brought into its range before anybody hears of it.
+void readNumber(const juce::ValueTree& tree, const juce::Identifier& type, const SliderRange& range,
+                core::ISliderValue& target) {
+    const auto number = static_cast<double>(valueOf(tree, type));
     if (std::isfinite(number))
-        target.setValue(number);
+        target.setValue(static_cast<float>(std::clamp<double>(number, range.minimum, range.maximum)));
 }
 
 } // namespace
@@ -81,10 +84,10 @@ void ProcessorState::fromValueTree(const juce::ValueTree& tree) {
     // The Scene comes after the layout, gains last: each write may ask for a rebuild or push values.
     speakerSetup->setValue(speakerSetupFallback->fallback(readIdentifier(tree, speakerSetupType)));
     scene->setValue(sceneFallback->fallback(readIdentifier(tree, sceneType)));
-    readNumber(tree, ambienceType, *ambience);
-    readNumber(tree, focusType, *focus);
-    readNumber(tree, headRotationType, *headRotation);
-    readNumber(tree, masterGainType, *masterGain);
+    readNumber(tree, ambienceType, ambienceRange, *ambience);
+    readNumber(tree, focusType, focusRange, *focus);
+    readNumber(tree, headRotationType, headRotationRange, *headRotation);
+    readNumber(tree, masterGainType, masterGainRange, *masterGain);
 }
 
 } // namespace orvane::kestrum
