@@ -1,11 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // Which loudspeaker plays which channel when a host names the channels of its bus: the framework then hands some over in an
-// order of its own. Every channel is fed alone; the reference is each loudspeaker, fed alone on a bus without names. The
-// page for users says what comes out.
+// order of its own, and the plug-in plays them by their names. Every channel is fed alone; the reference is each loudspeaker,
+// fed alone on a bus without names. The page for users says what comes out.
 #include "BundleSupport.h"
 
 #include "channels/ChannelNames.h"
 #include "identify/ChannelFile.h"
+#include "parameters/core/BusNames.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -72,7 +73,7 @@ struct NamedBus {
         return {std::istream_iterator<std::string>(words), {}};
     }
 };
-constexpr std::array<NamedBus, 27> buses{{{"Quad", "L R Ls Rs"},
+constexpr std::array<NamedBus, 28> buses{{{"Quad", "L R Ls Rs"},
                                           {"LRCS", "L R C Cs"},
                                           {"5.0 ITU", "L R C Ls Rs"},
                                           {"5.1 ITU", "L R C Lfe Ls Rs"},
@@ -98,6 +99,7 @@ constexpr std::array<NamedBus, 27> buses{{{"Quad", "L R Ls Rs"},
                                           {"7.1 SDDS Logic", "L R C Lfe Ls Rs Sl Sr"},
                                           {"7.0.4", "L R C Ls Rs Sl Sr Tfl Tfr Trl Trr"},
                                           {"7.1.4", "L R C Lfe Ls Rs Sl Sr Tfl Tfr Trl Trr"},
+                                          {"9.1.2", "L R C Lfe Ls Rs Lc Rc Sl Sr Tsl Tsr"},
                                           {"9.1.6", "L R C Lfe Ls Rs Lc Rc Sl Sr Tfl Tfr Trl Trr Tsl Tsr"}}};
 
 /// What each channel of a bus sounds like when it is fed alone.
@@ -152,6 +154,11 @@ std::vector<std::string> rightPlayers(const NamedBus& bus) {
     return players;
 }
 
+bool isPlayedByName(std::string_view layout) {
+    const auto table = core::namedLayoutTable();
+    return std::ranges::find(table, layout, &core::NamedLayoutRow::layout) != table.end();
+}
+
 std::string joined(const std::vector<std::string>& words) {
     std::string text;
     for (const std::string& word : words)
@@ -165,10 +172,19 @@ TEST_P(NamedBuses, ArePlayedAsThePageForUsersSays) {
     const NamedBus& bus = GetParam();
     const std::vector<std::string> players = playedBy(bus);
     const std::vector<std::string> right = rightPlayers(bus);
+    if (isPlayedByName(bus.layout)) {
+        EXPECT_EQ(players, right);
+    }
     std::ifstream file(std::filesystem::path(KESTRUM_DOCS) / "hosts" / "named-buses.md");
     const std::string page{std::istreambuf_iterator<char>(file), {}};
     EXPECT_THAT(page, HasSubstr("| " + std::string(bus.layout) + " | " + std::string(bus.names) + " | " +
                                 joined(players) + " | " + (players == right ? "yes" : "**no**") + " |\n"));
+}
+
+/// Where the plug-in plays by name, a test above has a bus for it.
+TEST(NamedBusPage, HasEveryLayoutThatIsPlayedByName) {
+    for (const core::NamedLayoutRow& row : core::namedLayoutTable())
+        EXPECT_NE(std::ranges::find(buses, row.layout, &NamedBus::layout), buses.end()) << row.layout;
 }
 
 std::string asTestName(const ::testing::TestParamInfo<NamedBus>& bus) {
