@@ -11,6 +11,7 @@
 
 #include <algorithm>
 #include <functional>
+#include <ostream>
 #include <random>
 #include <string>
 #include <string_view>
@@ -115,6 +116,8 @@ TEST(TextOfAState, HasTheLengthThatItsHeaderTells) {
 struct Fault {
     std::string name;
     std::function<juce::MemoryBlock(std::mt19937&)> damage;
+
+    friend void PrintTo(const Fault& fault, std::ostream* stream) { *stream << fault.name; }
 };
 
 class FaultyState : public ::testing::TestWithParam<Fault> {};

@@ -2,16 +2,20 @@
 // Which loudspeaker plays which channel of a bus whose channels the host names. Reference: each loudspeaker, fed alone on
 // a bus without names. The order in which the framework hands a host's arrangement over is the bundle's matter, see
 // tests/host.
+#include "TestDataFolder.h"
 #include "TestProcessor.h"
 
 #include "shell/BusLayouts.h"
+#include "support/NoiseHead.h"
 #include "support/RealtimeScope.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cmath>
 #include <memory>
+#include <ostream>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -33,8 +37,11 @@ bool setInput(Processor& processor, const Set& input) {
     return processor.setBusesLayout(buses);
 }
 
+/// Over a head with which no two directions can be confused, and with nothing but direct sound.
 std::unique_ptr<Processor> processorOn(const Set& input, const std::string& layout) {
-    auto processor = test::makeDryProcessor();
+    static test::NoiseHead head(128);
+    auto processor = test::makeProcessor([] { return test::TestDataFolder::filled().path(); }, &head);
+    test::choose(*processor, "Scenes", "Analytic Dry");
     EXPECT_TRUE(setInput(*processor, input));
     test::choose(*processor, "Speaker Layouts", layout);
     return processor;
@@ -92,6 +99,8 @@ struct NamedBus {
     Set bus;
     std::string layout;
     std::vector<int> players;
+
+    friend void PrintTo(const NamedBus& named, std::ostream* stream) { *stream << named.layout; }
 };
 
 class NamedBuses : public ::testing::TestWithParam<NamedBus> {};
@@ -160,11 +169,19 @@ TEST(ChangedLayout, LeavesTheOldEngineItsOrderUntilItIsFadedOut) {
         return std::vector<float>(block.getReadPointer(0), block.getReadPointer(0) + blockSize);
     };
     std::vector<float> before;
-    for (int turn = 0; turn < 200; ++turn)
+    for (int turn = 0; turn < 500; ++turn)
         before = play(settled);
-    ASSERT_EQ(play(settled), before); // a block that repeats for ever sounds the same for ever
+    // A block that repeats for ever sounds the same for ever, but for what the shelf of the output still settles.
+    const auto differenceOf = [&before](const std::vector<float>& block) {
+        float greatest = 0;
+        for (std::size_t frame = 0; frame < block.size(); ++frame)
+            greatest = std::max(greatest, std::abs(block[frame] - before[frame]));
+        return greatest;
+    };
+    ASSERT_LT(differenceOf(play(settled)), 1e-5f);
     test::choose(*processor, "Speaker Layouts", "7.1.2");
-    EXPECT_EQ(play(next), before);
+    EXPECT_LT(differenceOf(play(next)), 1e-5f);
+    EXPECT_GT(*std::ranges::max_element(before), 1e-2f);
 }
 
 TEST(NamedBusPath, NeitherAllocatesNorLocks) {
