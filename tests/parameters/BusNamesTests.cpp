@@ -120,7 +120,7 @@ TEST_P(NamedLayouts, FindEachNameWhereverItStandsOnTheBus) {
         const ChannelOrder::Table found = orderByName(GetParam().layout, bus);
         for (std::size_t channel = 0; channel < names.size(); ++channel)
             EXPECT_EQ(bus[found[channel]], names[channel]);
-        std::ranges::rotate(bus, bus.begin() + 1);
+        std::rotate(bus.begin(), bus.begin() + 1, bus.end());
         std::swap(bus[0], bus[static_cast<std::size_t>(turn) % bus.size()]);
     }
 }
