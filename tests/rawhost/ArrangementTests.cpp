@@ -1,0 +1,196 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// Every speaker arrangement that a host can name, and the low bits that others send. Which loudspeaker a channel belongs to
+// follows from its name and the layouts' list; what each loudspeaker sounds like is measured on a bus without names.
+#include "Arrangements.h"
+#include "Child.h"
+#include "Loudspeakers.h"
+#include "Play.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <numeric>
+
+namespace {
+
+using namespace rawhost;
+using ::testing::HasSubstr;
+
+constexpr double rate = 48000;
+constexpr int block = 256;
+constexpr std::size_t warmUp = 1024; // the engine's fade-in and its latency
+constexpr std::size_t turn = 2048;   // longer than any response without a room
+constexpr std::uint64_t stereo = 0x3;
+
+std::vector<float> part(const Channels& sound, std::size_t turnIndex) {
+    std::vector<float> both;
+    for (const auto& channel : sound) {
+        const auto first = channel.begin() + static_cast<std::ptrdiff_t>(warmUp + turnIndex * turn);
+        both.insert(both.end(), first, first + turn);
+    }
+    return both;
+}
+
+/// How far two sounds are apart, in parts of the second's level.
+double distance(const std::vector<float>& one, const std::vector<float>& other) {
+    double difference = 0;
+    double level = 0;
+    for (std::size_t index = 0; index < one.size(); ++index) {
+        difference += std::pow(static_cast<double>(one[index]) - other[index], 2);
+        level += std::pow(static_cast<double>(other[index]), 2);
+    }
+    return std::sqrt(difference / std::max(level, 1e-20));
+}
+
+/// What each channel sounds like alone: an impulse in one channel after the other.
+std::vector<std::vector<float>> heardAlone(const RawModule& module, std::uint64_t speakers,
+                                           std::size_t channels, std::string_view layout,
+                                           Findings& findings) {
+    const RawPlugin plugin(module);
+    findings.expect(plugin.arrange(speakers, stereo), "refused");
+    plugin.choose("Scenes", "Analytic Dry");
+    plugin.choose("Speaker Layouts", layout);
+    plugin.prepare(rate, block);
+    Channels input = silence(channels, warmUp + channels * turn);
+    for (std::size_t channel = 0; channel < channels; ++channel)
+        input[channel][warmUp + channel * turn] = 1.0f;
+    const Channels sound = play(plugin, input, block);
+    plugin.activate(false);
+    std::vector<std::vector<float>> heard;
+    for (std::size_t channel = 0; channel < channels; ++channel)
+        heard.push_back(part(sound, channel));
+    return heard;
+}
+
+/// The loudspeaker that plays each channel; the number of channels where none does.
+std::vector<std::size_t> players(const std::vector<std::vector<float>>& heard,
+                                 const std::vector<std::vector<float>>& loudspeakers) {
+    constexpr double rounding = 1e-3; // what a former channel's low frequencies leave is below
+    std::vector<std::size_t> playing;
+    for (const auto& sound : heard)
+        playing.push_back(static_cast<std::size_t>(
+            std::ranges::find_if(loudspeakers,
+                                 [&](const auto& one) { return distance(sound, one) < rounding; }) -
+            loudspeakers.begin()));
+    return playing;
+}
+
+std::string listOf(const std::vector<std::size_t>& numbers) {
+    std::string text;
+    for (const std::size_t number : numbers)
+        text += " " + std::to_string(number);
+    return text;
+}
+
+/// The framework hands these families over in an order of its own; where names do not help, some order has to do.
+bool isReordered(const Arrangement& bus) {
+    static constexpr std::array<std::string_view, 15> families{
+        "70Music",   "71Music", "71CineSideFill", "70_2", "71_2", "91Atmos", "70_4", "71_4",
+        "111MPEG3D", "70_6",    "71_6",           "90_4", "91_4", "90_6",    "91_6"};
+    return std::ranges::count(families, bus.name) > 0;
+}
+
+/// Compares what plays each channel of a bus with what ought to, for every layout as wide as the bus.
+std::string channelIdentity(const Arrangement& bus, const std::vector<std::string_view>& names) {
+    Findings findings;
+    const RawModule module(KESTRUM_BUNDLE);
+    const std::size_t width = bus.channelCount();
+    for (const std::string_view layout : layoutsOfWidth(width)) {
+        if (layout == "2.0 +/-0°")
+            continue; // both loudspeakers stand in one place
+        const auto numbered = heardAlone(module, lowBitArrangement(width).speakers, width, layout, findings);
+        const auto found = players(heardAlone(module, bus.speakers, width, layout, findings), numbered);
+        std::vector<std::size_t> expected(width);
+        std::iota(expected.begin(), expected.end(), std::size_t{0});
+        const auto byName = loudspeakersByName(layout, names);
+        const std::string what = bus.name + " as " + std::string(layout) + ": played by" + listOf(found);
+        if (!byName && isReordered(bus))
+            findings.expect(std::ranges::is_permutation(found, expected), what + ", not each by one");
+        else
+            findings.expect(found == byName.value_or(expected),
+                            what + ", expected" + listOf(byName.value_or(expected)));
+    }
+    return findings.text();
+}
+
+/// A bus is taken, says of itself what it was told, and plays without a fault, before and after preparation, too.
+std::string acceptance(const Arrangement& bus) {
+    Findings findings;
+    const RawModule module(KESTRUM_BUNDLE);
+    const RawPlugin plugin(module);
+    const std::size_t width = bus.channelCount();
+    findings.expect(plugin.arrange(bus.speakers, stereo), "refused");
+    findings.expect(plugin.channelCount(Vst::kInput) == width, "another number of channels");
+    findings.expect(plugin.channelCount(Vst::kOutput) == 2, "the output is not stereo");
+    findings.expect(plugin.arrangement(Vst::kOutput) == stereo, "the output is not left and right");
+    plugin.setUp(rate, block);
+    const Channels input = noise(width, 8 * block);
+    findings.expect(peakOf(play(plugin, input, block)) == 0.0f, "sound before it is active");
+    plugin.activate(true);
+    const auto sound = play(plugin, input, block);
+    findings.expect(isFinite(sound), "no number comes out");
+    findings.expect((peakOf(sound) > 0) == (width >= 2),
+                    "sound and silence at the wrong width"); // a stereo layout
+    plugin.activate(false);
+    findings.expect(peakOf(play(plugin, input, block)) == 0.0f, "sound after it was active");
+    return findings.text();
+}
+
+/// Another output than stereo is refused, and changes nothing of the output that there is.
+std::string refusal(const Arrangement& output) {
+    Findings findings;
+    const RawModule module(KESTRUM_BUNDLE);
+    const RawPlugin plugin(module);
+    findings.expect(!plugin.arrange(stereo, output.speakers), "taken as an output");
+    findings.expect(plugin.arrangement(Vst::kOutput) == stereo, "the output is no longer stereo");
+    findings.expect(plugin.channelCount(Vst::kOutput) == 2, "the output is no longer two channels wide");
+    plugin.prepare(rate, block);
+    findings.expect(isFinite(play(plugin, noise(plugin.channelCount(Vst::kInput), 2 * block), block)),
+                    "no number comes out");
+    return findings.text();
+}
+
+class Arrangements : public ::testing::TestWithParam<Arrangement> {};
+
+TEST_P(Arrangements, AreTakenAsInputsAndPlayed) {
+    EXPECT_EQ(inChild([] { return acceptance(GetParam()); }), "");
+}
+
+TEST_P(Arrangements, LetEachChannelBeHeardFromTheLoudspeakerOfItsName) {
+    EXPECT_EQ(inChild([] { return channelIdentity(GetParam(), GetParam().channelNames()); }), "");
+}
+
+TEST_P(Arrangements, OtherThanStereoAreRefusedAsOutputs) {
+    if (GetParam().speakers == stereo)
+        GTEST_SKIP() << "this is the output";
+    EXPECT_EQ(inChild([] { return refusal(GetParam()); }), "");
+}
+
+INSTANTIATE_TEST_SUITE_P(NamedAndLowBits, Arrangements, ::testing::ValuesIn(allArrangements()),
+                         [](const auto& bus) { return bus.param.name; });
+
+TEST(ArrangementChecks, KnowAllArrangementsAndTheirWidths) {
+    EXPECT_EQ(namedArrangements().size(), 77u);
+    EXPECT_EQ(allArrangements().size(), 93u);
+    for (const Arrangement& bus : allArrangements()) {
+        EXPECT_GE(bus.channelCount(), 1u) << bus.name;
+        EXPECT_LE(bus.channelCount(), mostChannels) << bus.name;
+        EXPECT_EQ(bus.channelNames().size(), bus.channelCount()) << bus.name;
+    }
+}
+
+TEST(ArrangementChecks, SeeTwoChannelsThatChangedPlaces) {
+    Arrangement bus = *std::ranges::find(namedArrangements(), std::string("71_2"), &Arrangement::name);
+    std::vector<std::string_view> names = bus.channelNames();
+    std::swap(*std::ranges::find(names, "Ls"), *std::ranges::find(names, "Sl"));
+    EXPECT_THAT(inChild([&] { return channelIdentity(bus, names); }), HasSubstr("71_2 as 7.1.2: played by"));
+}
+
+TEST(ArrangementChecks, SeeABusThatIsTakenForAnOutput) {
+    EXPECT_THAT(inChild([] { return refusal({"Stereo", stereo}); }), HasSubstr("taken as an output"));
+}
+
+} // namespace
