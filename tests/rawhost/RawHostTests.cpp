@@ -81,6 +81,34 @@ TEST(ForeignHosts, SendBlocksWithoutFramesAndHearTheSameAsWithoutThem) {
               "");
 }
 
+TEST(ForeignHosts, UseOneMemoryForInputAndOutput) {
+    EXPECT_EQ(inChild([] {
+                  Findings findings;
+                  const RawModule module(KESTRUM_BUNDLE);
+                  const Channels input = noise(6, 40 * block);
+                  const auto prepared = [&] {
+                      auto plugin = std::make_unique<RawPlugin>(module);
+                      plugin->arrange(surround51, stereo);
+                      plugin->choose("Speaker Layouts", "5.1 ITU");
+                      plugin->prepare(rate, block);
+                      return plugin;
+                  };
+                  const Channels apart = play(*prepared(), input, block);
+                  const auto plugin = prepared();
+                  Channels shared = input;
+                  for (std::size_t first = 0; first < shared[0].size(); first += block) {
+                      std::array<float*, 6> channels{};
+                      for (std::size_t channel = 0; channel < 6; ++channel)
+                          channels[channel] = shared[channel].data() + first;
+                      plugin->process(channels.data(), 6, channels.data(), 2, block);
+                  }
+                  findings.expect(peakOf(apart) > 0.01f, "silence");
+                  findings.expect(shared[0] == apart[0] && shared[1] == apart[1], "other sound");
+                  return findings.text();
+              }),
+              "");
+}
+
 /// What a state holds for one of its children, as text: the chunk is XML behind a short header.
 std::string heldBy(const std::vector<std::byte>& state, const std::string& child) {
     const std::string text(reinterpret_cast<const char*>(state.data()), state.size());

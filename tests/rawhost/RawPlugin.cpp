@@ -61,13 +61,12 @@ RawModule::RawModule(const std::filesystem::path& binary) {
     if (!enter(library))
         throw std::runtime_error("the module refused to start");
     pluginFactory = getFactory();
-    if (pluginFactory == nullptr)
-        throw std::runtime_error("the module gave no factory");
     application = makeHostObject<host::HostApplication>();
 }
 
 RawModule::~RawModule() {
-    pluginFactory->release();
+    if (pluginFactory != nullptr)
+        pluginFactory->release();
     application = {};
     exit();
     dlclose(library);
@@ -94,7 +93,9 @@ Steinberg::tresult BlockEdits::Queue::getPoint(int32 index, int32& offset, Vst::
 }
 
 RawPlugin::RawPlugin(const RawModule& module) : handler(makeHostObject<host::ComponentHandler>()) {
-    Steinberg::IPluginFactory& factory = module.factory();
+    if (module.factory() == nullptr)
+        throw std::runtime_error("the module gave no factory");
+    Steinberg::IPluginFactory& factory = *module.factory();
     processing = create<Vst::IComponent>(factory, effectOf(factory).cid);
     if (processing->initialize(&module.hostContext()) != kResultOk)
         throw std::runtime_error("the processing half cannot be initialised");

@@ -35,7 +35,8 @@ public:
     RawModule(const RawModule&) = delete;
     RawModule& operator=(const RawModule&) = delete;
 
-    Steinberg::IPluginFactory& factory() const { return *pluginFactory; }
+    /// Null when the module gave none.
+    Steinberg::IPluginFactory* factory() const { return pluginFactory; }
     Steinberg::FUnknown& hostContext() const { return *application.get(); }
 
 private:
