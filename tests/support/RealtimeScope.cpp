@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "support/RealtimeScope.h"
 
+#include "support/SystemCallWatch.h"
+
 #include <cerrno>
 #include <cstddef>
 #include <cstdlib>
@@ -35,12 +37,22 @@ namespace test {
 
 RealtimeScope::RealtimeScope() noexcept {
     state.violations = {};
+    watchSystemCalls();
     state.counting = true;
 }
 
-RealtimeScope::~RealtimeScope() { state.counting = false; }
+RealtimeScope::~RealtimeScope() {
+    state.counting = false;
+    endSystemCallWatch();
+}
 
-RealtimeViolations RealtimeScope::violations() const noexcept { return state.violations; }
+RealtimeViolations RealtimeScope::violations() const noexcept {
+    RealtimeViolations seen = state.violations;
+    seen.systemCalls = madeSystemCall() ? 1 : 0;
+    return seen;
+}
+
+bool RealtimeScope::seesSystemCalls() noexcept { return countingWorks && canWatchSystemCalls(); }
 
 } // namespace test
 
@@ -120,6 +132,8 @@ auto original(Result (*)(Arguments...), const char* name) noexcept -> Result (*)
         static const auto forwarded = original(&(name), #name);                                              \
         return forwarded(__VA_ARGS__)
 
+extern "C" void __cxa_throw(void* thrown, void* type, void (*destroy)(void*));
+
 extern "C" {
 
 __attribute__((visibility("default"))) int pthread_mutex_lock(pthread_mutex_t* mutex) {
@@ -128,6 +142,11 @@ __attribute__((visibility("default"))) int pthread_mutex_lock(pthread_mutex_t* m
 
 __attribute__((visibility("default"))) int pthread_mutex_trylock(pthread_mutex_t* mutex) {
     KESTRUM_FORWARD(locks, pthread_mutex_trylock, mutex);
+}
+
+__attribute__((visibility("default"))) int pthread_mutex_timedlock(pthread_mutex_t* mutex,
+                                                                   const timespec* deadline) noexcept {
+    KESTRUM_FORWARD(locks, pthread_mutex_timedlock, mutex, deadline);
 }
 
 __attribute__((visibility("default"))) int pthread_rwlock_rdlock(pthread_rwlock_t* lock) {
@@ -186,6 +205,15 @@ __attribute__((visibility("default"))) int usleep(useconds_t microseconds) {
 __attribute__((visibility("default"))) int sched_yield() noexcept { KESTRUM_FORWARD(waits, sched_yield); }
 
 // NOLINTEND(readability-inconsistent-declaration-parameter-name)
+
+// NOLINTNEXTLINE(bugprone-reserved-identifier): the language's runtime calls it so
+__attribute__((visibility("default"), noreturn)) void __cxa_throw(void* thrown, void* type,
+                                                                  void (*destroy)(void*)) {
+    count(&test::RealtimeViolations::throws);
+    static const auto forwarded = original(&__cxa_throw, "__cxa_throw");
+    forwarded(thrown, type, destroy);
+    __builtin_unreachable();
+}
 } // extern "C"
 
 #endif

@@ -12,6 +12,9 @@
 #include <thread>
 #include <vector>
 
+#include <sys/syscall.h>
+#include <unistd.h>
+
 namespace {
 
 using test::RealtimeScope;
@@ -98,6 +101,40 @@ TEST_F(RealtimeScopeSees, TheAtomicSharedPointerLoadOfTheStandardLibrary) {
     const RealtimeScope scope;
     const std::shared_ptr<int> copy = std::atomic_load(&pointer);
     EXPECT_EQ(scope.violations().locks, whereCounted(1));
+}
+
+TEST_F(RealtimeScopeSees, AnExceptionThatIsCaughtAgain) {
+    const RealtimeScope scope;
+    try {
+        throw 1;
+    } catch (int) {
+    }
+    EXPECT_EQ(scope.violations().throws, whereCounted(1));
+}
+
+TEST_F(RealtimeScopeSees, ASystemCallWhichIsMadeAllTheSame) {
+    if (!RealtimeScope::seesSystemCalls())
+        GTEST_SKIP() << "this kernel does not tell a thread of its system calls";
+    test::RealtimeViolations seen;
+    pid_t answer = 0;
+    {
+        const RealtimeScope scope;
+        answer = static_cast<pid_t>(syscall(SYS_getpid));
+        seen = scope.violations();
+    }
+    EXPECT_EQ(seen.systemCalls, 1u);
+    EXPECT_EQ(answer, getpid());
+}
+
+TEST_F(RealtimeScopeSees, SystemCallsOfOneScopeOnly) {
+    if (!RealtimeScope::seesSystemCalls())
+        GTEST_SKIP() << "this kernel does not tell a thread of its system calls";
+    for (const bool calling : {true, false, true, true, false}) {
+        const RealtimeScope scope;
+        if (calling)
+            syscall(SYS_getppid);
+        EXPECT_EQ(scope.violations().systemCalls, calling ? 1u : 0u);
+    }
 }
 
 TEST_F(RealtimeScopeSees, OnlyItsOwnThread) {
