@@ -25,7 +25,7 @@ Census takeCensus() {
 }
 
 Census censusOnceSettled(std::size_t threads) {
-    const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(20);
+    const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(5);
     Census now = takeCensus();
     while (now.threads > threads && std::chrono::steady_clock::now() < end) {
         std::this_thread::yield();

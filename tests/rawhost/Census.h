@@ -19,7 +19,7 @@ struct Census {
 Census takeCensus();
 
 /// Waits for threads that are ending: a joined one may still be listed for a moment.
-/// @return as soon as no more than `threads` are left, or after a guard of many seconds with what there is.
+/// @return as soon as no more than `threads` are left, or after a guard of some seconds with what there is.
 Census censusOnceSettled(std::size_t threads);
 
 /// Notes what `now` holds more than `before`: any thread, any descriptor, and heap beyond `heapAllowance` bytes.

@@ -57,10 +57,10 @@ public:
     }
 
     /// @param spoil runs inside the watch: a fault that has to be seen.
-    RealtimeViolations next(const std::function<void()>& spoil = {}) {
+    RealtimeViolations next(const std::function<void()>& spoil = {}, BlockEdits* edits = nullptr) {
         std::array<float*, 2> outputs{to[0].data(), to[1].data()};
         const RealtimeScope scope;
-        plugin.process(inputs.data(), inputs.size(), outputs.data(), 2, frames);
+        plugin.process(inputs.data(), inputs.size(), outputs.data(), 2, frames, edits);
         if (spoil)
             spoil();
         return scope.violations();
@@ -204,19 +204,49 @@ std::string watched(const Session& session, int blockCount, const std::function<
     return finding;
 }
 
-class RealtimeModule : public ::testing::TestWithParam<Session> {};
+class RealtimeSessions : public ::testing::TestWithParam<Session> {};
 
-TEST_P(RealtimeModule, DoesNothingInABlockThatTheWrapperAloneDoesNotDo) {
+TEST_P(RealtimeSessions, DoNothingInABlockThatTheWrapperAloneDoesNotDo) {
     if (!RealtimeScope::countingWorks)
         GTEST_SKIP() << "a sanitizer owns the allocator";
     const int blockCount = roundsOf(5000, 130000);
     EXPECT_EQ(inChild([&] { return watched(GetParam(), blockCount); }), "");
 }
-INSTANTIATE_TEST_SUITE_P(AtWidthsRatesAndBlocks, RealtimeModule, ::testing::ValuesIn(sessions),
+INSTANTIATE_TEST_SUITE_P(AtWidthsRatesAndBlocks, RealtimeSessions, ::testing::ValuesIn(sessions),
                          [](const auto& session) {
                              return "Channels" + std::to_string(session.param.width) + "Block" +
                                     std::to_string(session.param.block);
                          });
+
+/// Writes a parameter in every block, as a host's automation does on its audio thread. The framework locks its list of
+/// listeners for it; what the listeners do is ours.
+std::string written(const std::string& parameter, int blockCount) {
+    const RawModule module(KESTRUM_BUNDLE);
+    const RawPlugin plugin(module);
+    plugin.setUp(sessions[0].rate, sessions[0].block);
+    WatchedBlocks blocks(plugin, sessions[0]);
+    RealtimeViolations allowed = wrapperAlone(blocks);
+    plugin.activate(true);
+    const auto edits = orvane::kestrum::host::makeHostObject<BlockEdits>();
+    const Vst::ParamID id = plugin.parameterId(parameter);
+    const std::uint64_t ofTheList = allowed.locks + 1;
+    for (int turn = 0; turn < blockCount; ++turn) {
+        edits->set({{id, turn * 7 % 101 / 101.0}});
+        const RealtimeViolations seen = blocks.next({}, edits.get());
+        allowed.locks = std::min(seen.locks, ofTheList);
+        if (!(seen == allowed))
+            return parameter + ", block " + std::to_string(turn) + ": " + told(seen);
+    }
+    return {};
+}
+
+TEST(RealtimeModule, DoesNothingMoreWhenParametersAreWrittenInItsBlocks) {
+    if (!RealtimeScope::countingWorks)
+        GTEST_SKIP() << "a sanitizer owns the allocator";
+    for (const char* parameter :
+         {"Speaker Layouts", "Scenes", "Ambience", "Focus", "Head Rotation", "Master Gain"})
+        EXPECT_EQ(inChild([&] { return written(parameter, roundsOf(1000, 20000)); }), "");
+}
 
 TEST(RealtimeModuleChecks, SeeASingleBlockThatDoesMore) {
     if (!RealtimeScope::countingWorks)

@@ -1,0 +1,50 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// Some minutes of the soak; build/bin/soak is the long one.
+#include "Child.h"
+#include "Soak.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <cstdio>
+#include <iostream>
+#include <vector>
+
+namespace {
+
+using namespace rawhost;
+using ::testing::HasSubstr;
+
+TEST(Soaking, FindsNothing) {
+    SoakPlan plan;
+    plan.hours = roundsOf(6, 60) / 60.0;
+    EXPECT_EQ(inChild(
+                  [&] {
+                      const SoakResult result = soak(plan);
+                      std::cout << "figure: " << result.hours << " h of audio, " << result.actions
+                                << " actions, 0 faults, heap " << result.heapBytesPerHour << " bytes per hour"
+                                << std::endl;
+                      return result.findings;
+                  },
+                  std::chrono::seconds(3000)),
+              "");
+}
+
+std::string faulty(const std::function<void(int)>& fault, double hours) {
+    SoakPlan plan;
+    plan.hours = hours;
+    plan.fault = fault;
+    return inChild([&] { return soak(plan).findings; });
+}
+
+TEST(SoakChecks, SeeADescriptorThatStays) {
+    EXPECT_THAT(faulty([](int) { static_cast<void>(std::fopen("/dev/null", "r")); }, 0.01),
+                HasSubstr("1 descriptors are left"));
+}
+
+TEST(SoakChecks, SeeAHeapThatGrows) {
+    static std::vector<std::vector<char>> leaked;
+    EXPECT_THAT(faulty([](int) { leaked.emplace_back(100000); }, 0.2), HasSubstr("the heap grows by"));
+}
+
+} // namespace
