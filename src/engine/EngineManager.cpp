@@ -87,8 +87,17 @@ void EngineManager::runInBackground() {
     }
 }
 
+/// A request that is not served stays, and is looked at again at the next poll.
+bool EngineManager::isAnotherFadeTooMany() {
+    constexpr std::size_t mostFadesAtOnce = 4;
+    std::erase_if(fadingOut, [](const std::weak_ptr<IEngine>& old) { return old.expired(); });
+    return fadingOut.size() >= mostFadesAtOnce;
+}
+
 void EngineManager::rebuild() {
     const std::lock_guard lock(mutex);
+    if (prepared && isAnotherFadeTooMany())
+        return;
     std::shared_ptr<IEngine>
         former; // dies under the lock: whoever waits for it finds nothing left of this rebuild
     // Asked again under the lock: a preparation that came first has taken the request with it.
@@ -100,6 +109,7 @@ void EngineManager::rebuild() {
     const bool held = fadeFrom != nullptr;
     if (!held)
         fadeFrom = live;
+    const std::weak_ptr<IEngine> old = fadeFrom;
     try {
         former = engine.exchange(
             engineFactory->createCrossfadedEngine(std::move(fadeFrom), blockSize, sampleRate));
@@ -108,6 +118,8 @@ void EngineManager::rebuild() {
             pendingFade->resumeFade();
         throw;
     }
+    if (!held)
+        fadingOut.push_back(old);
 }
 
 } // namespace orvane

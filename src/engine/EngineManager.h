@@ -11,6 +11,7 @@
 #include <memory>
 #include <mutex>
 #include <thread>
+#include <vector>
 
 namespace orvane {
 
@@ -19,6 +20,9 @@ namespace orvane {
 ///     parameter change --> reloadRequested(): sets a flag
 ///     background task  --> polls the flag every half block; builds, wraps old and new, publishes
 ///     audio thread     --> runs whatever is published
+///
+/// Changes that come faster than fades end nest, up to a bound: beyond it a request waits for a fade to end. Each engine
+/// in the chain renders every block, and a block that takes longer lets more changes come before the next.
 ///
 /// A rebuild that fails ends the background task; the last engine plays on with the old structure.
 class EngineManager final : public IEngineManager, public IReloadListener {
@@ -43,6 +47,7 @@ public:
 private:
     void runInBackground();
     void rebuild();
+    bool isAnotherFadeTooMany();
 
     std::unique_ptr<IEngineFactory> engineFactory;
     EngineHandover engine;
@@ -53,6 +58,7 @@ private:
     std::atomic<bool> muted{false};
     std::atomic<bool> prepared{false};
     std::atomic<bool> running{true};
+    std::vector<std::weak_ptr<IEngine>> fadingOut; ///< Engines behind newer ones; guarded by `mutex`.
     std::mutex mutex; ///< Keeps prepare, release and a rebuild apart; the audio thread never takes it.
     IReloadNotifier* reloadNotifier;
     std::thread backgroundTask;

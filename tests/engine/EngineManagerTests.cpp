@@ -8,6 +8,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <atomic>
 #include <chrono>
 #include <filesystem>
@@ -46,6 +47,8 @@ public:
         std::atomic<bool> gateClosed{false};
         std::atomic<bool> atTheGate{false};
         std::atomic<int> fadesStarted{0};
+        std::atomic<bool> releasesAtOnce{
+            false}; ///< Old engines go when their fade has ended, not with its wrapper.
     };
 
     explicit NumberedEngines(Shared& sharedState) : shared(sharedState) {}
@@ -67,8 +70,11 @@ public:
         }
         auto next = createEngine(frames, rate);
         ++shared.crossfades;
+        std::unique_ptr<zmtl::ISleep> sleep = std::make_unique<test::SleepUntilWoken>();
+        if (shared.releasesAtOnce)
+            sleep = std::make_unique<test::ShortSleep>();
         return std::make_unique<orvane::XFadedEngine>(std::move(oldEngine), std::move(next), frames, rate,
-                                                      10.0f, std::make_unique<test::SleepUntilWoken>(),
+                                                      10.0f, std::move(sleep),
                                                       [this] { ++shared.fadesStarted; });
     }
 
@@ -259,6 +265,35 @@ TEST_F(EngineManagerTest, FiveHundredChangesWithoutABlockLeaveAtMostTwoEnginesAn
     while (block().back() != 501.0f)
         ;
     EXPECT_EQ(shared.fadesStarted, 1);
+}
+
+/// A host that sends short blocks and changes the structure between all of them: 60 blocks are one fade.
+TEST_F(EngineManagerTest, ChangesFasterThanFadesWaitForOneToEndAndTheLastIsServed) {
+    shared.releasesAtOnce = true;
+    manager->prepare(blockSize, 192000.0);
+    int mostAlive = 0;
+    for (int change = 0; change < 30; ++change) {
+        const int created = shared.created;
+        manager->reloadRequested();
+        // Blocks go on only when the request has to wait for them, so that the audio is slow against the rebuilds.
+        auto patience = std::chrono::steady_clock::now() + std::chrono::milliseconds(5);
+        while (shared.created == created) {
+            std::this_thread::yield();
+            if (std::chrono::steady_clock::now() > patience) {
+                block();
+                patience += std::chrono::milliseconds(5);
+            }
+        }
+        block();
+        block(); // the fade has begun
+        mostAlive = std::max(mostAlive, shared.census.alive.load());
+    }
+    EXPECT_LE(mostAlive,
+              7); // of thirty: five that sound, one that waits for its fade, one that has just ended
+    const int created = shared.created;
+    manager->reloadRequested();
+    while (shared.created == created || block().back() != static_cast<float>(shared.created))
+        block();
 }
 
 TEST_F(EngineManagerTest, AFailedRebuildLetsTheWaitingFadeBegin) {

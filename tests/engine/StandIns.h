@@ -16,6 +16,7 @@
 #include <memory>
 #include <mutex>
 #include <stdexcept>
+#include <thread>
 #include <utility>
 #include <vector>
 
@@ -107,6 +108,15 @@ private:
     std::mutex mutex;
     std::condition_variable condition;
     bool woken = false;
+};
+
+/// Whoever waits looks again soon.
+class ShortSleep final : public zmtl::ISleep {
+public:
+    void sleepFor(std::chrono::milliseconds /*time*/) override {
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
+    void wake() override {}
 };
 
 } // namespace test

@@ -21,7 +21,7 @@ constexpr std::array<double, 9> rates{24000, 44100, 48000, 88200, 96000, 176400,
 constexpr std::array<int, 8> lengths{2, 32, 63, 64, 128, 256, 513, 1024};
 constexpr std::array<const char*, 6> parameters{"Speaker Layouts", "Scenes",        "Ambience",
                                                 "Focus",           "Head Rotation", "Master Gain"};
-constexpr double secondsBetweenRests = 60;
+constexpr double secondsBetweenRests = 12;
 
 class Random {
 public:
@@ -97,7 +97,7 @@ private:
     std::vector<Edit> edits() {
         std::vector<Edit> some;
         for (const Vst::ParamID id : ids)
-            if (random.oneIn(3))
+            if (random.oneIn(4))
                 some.push_back({id, random.oneIn(50) ? random.number() * 5 - 2 : random.number()});
         return some;
     }
@@ -125,7 +125,8 @@ private:
     }
 
     double render(Findings& findings) {
-        const std::size_t frames = random.below(20000) + 1;
+        // Tiny blocks cost much: not too many at once.
+        const std::size_t frames = random.below(static_cast<std::size_t>(std::min(20000, 300 * block))) + 1;
         if (input.size() != width || input[0].size() < frames || random.oneIn(4)) {
             input.assign(width, std::vector<float>(20001));
             std::ranges::for_each(input, [this](auto& channel) { fill(channel); });
@@ -149,10 +150,7 @@ private:
         for (std::size_t channel = 0; channel < width; ++channel)
             inputs[channel] = from[channel].data() + first;
         std::array<float*, 2> outputs{to[0].data() + first, to[1].data() + first};
-        if (random.oneIn(10))
-            blockEdits->set(edits());
-        else
-            blockEdits->set({});
+        blockEdits->set(random.oneIn(20) ? edits() : std::vector<Edit>{});
         plugin.process(inputs.data(), width, outputs.data(), 2, static_cast<int>(length), blockEdits.get());
         return length;
     }

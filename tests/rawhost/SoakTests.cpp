@@ -6,6 +6,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <csignal>
 #include <cstdio>
 #include <iostream>
 #include <vector>
@@ -17,7 +18,7 @@ using ::testing::HasSubstr;
 
 TEST(Soaking, FindsNothing) {
     SoakPlan plan;
-    plan.hours = roundsOf(6, 60) / 60.0;
+    plan.hours = roundsOf(3, 60) / 60.0;
     EXPECT_EQ(inChild(
                   [&] {
                       const SoakResult result = soak(plan);
@@ -44,7 +45,11 @@ TEST(SoakChecks, SeeADescriptorThatStays) {
 
 TEST(SoakChecks, SeeAHeapThatGrows) {
     static std::vector<std::vector<char>> leaked;
-    EXPECT_THAT(faulty([](int) { leaked.emplace_back(100000); }, 0.2), HasSubstr("the heap grows by"));
+    EXPECT_THAT(faulty([](int) { leaked.emplace_back(100000); }, 0.05), HasSubstr("the heap grows by"));
+}
+
+TEST(SoakChecks, SeeACrashAsOne) {
+    EXPECT_THAT(faulty([](int) { std::raise(SIGSEGV); }, 0.01), HasSubstr("ended by signal 11"));
 }
 
 } // namespace
