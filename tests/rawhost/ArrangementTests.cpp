@@ -61,6 +61,7 @@ std::vector<std::vector<float>> heardAlone(const RawModule& module, std::uint64_
     const Channels sound = play(plugin, input, block);
     plugin.activate(false);
     std::vector<std::vector<float>> heard;
+    heard.reserve(channels);
     for (std::size_t channel = 0; channel < channels; ++channel)
         heard.push_back(part(sound, channel));
     return heard;
@@ -71,6 +72,7 @@ std::vector<std::size_t> players(const std::vector<std::vector<float>>& heard,
                                  const std::vector<std::vector<float>>& loudspeakers) {
     constexpr double rounding = 1e-3; // what a former channel's low frequencies leave is below
     std::vector<std::size_t> playing;
+    playing.reserve(heard.size());
     for (const auto& sound : heard)
         playing.push_back(static_cast<std::size_t>(
             std::ranges::find_if(loudspeakers,

@@ -23,7 +23,6 @@
 namespace {
 
 using namespace rawhost;
-using ::testing::AnyOf;
 using ::testing::HasSubstr;
 
 constexpr int block = 128;

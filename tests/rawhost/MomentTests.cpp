@@ -54,8 +54,8 @@ public:
         plugin->choose("Scenes", std::array{"Stadium", "Kitchen", "Mix Room", "Car"}[random() % 4]);
         if (random() % 4 == 0)
             plugin->choose("Speaker Layouts", random() % 2 == 0 ? "7.1.4" : "5.1 ITU");
-        const int blocks = static_cast<int>(random() % 300);
-        const auto sound = play(*plugin, noise(width, static_cast<std::size_t>(blocks * block)), block);
+        const std::size_t blocks = random() % 300;
+        const auto sound = play(*plugin, noise(width, blocks * static_cast<std::size_t>(block)), block);
         findings.expect(isFinite(sound), "no number comes out");
         (takeCensus().threads > threadsAtRest ? whileFading : beforeTheFade) += 1;
         const double start = processorSeconds();

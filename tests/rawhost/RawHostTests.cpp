@@ -16,8 +16,6 @@
 namespace {
 
 using namespace rawhost;
-using ::testing::AllOf;
-using ::testing::HasSubstr;
 using ::testing::StartsWith;
 
 constexpr double rate = 48000;

@@ -18,6 +18,7 @@ int main(int count, char** words) {
         std::cerr << "usage: soak [HOURS [SEED]], with HOURS of audio above 0 (24 when left out)\n";
         return 2;
     }
+    setenv("DISPLAY", "none", 1); // a screen that ends while hours of audio play would end the soak, too
     const std::string findings = rawhost::inChild(
         [&] {
             const rawhost::SoakResult result = rawhost::soak(plan);
