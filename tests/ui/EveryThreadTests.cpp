@@ -63,7 +63,7 @@ protected:
         while (std::chrono::steady_clock::now() < end) {
             OpenEditor editor(*processor);
             ++openings;
-            for (std::uint32_t gesture = random() % 20u; gesture > 0; --gesture)
+            for (auto gestures = random() % 20u; gestures > 0; --gestures)
                 useTheEditor(editor, random);
         }
     }
