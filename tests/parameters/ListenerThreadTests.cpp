@@ -2,6 +2,9 @@
 // Listeners that are called on one thread while they come and go on others. Sanitizers look on.
 #include "ListenerAction.h"
 
+#include "parameters/ParameterSet.h"
+#include "parameters/zmtl/Parameter.h"
+
 #include <gtest/gtest.h>
 
 #include <atomic>
@@ -250,6 +253,62 @@ void comeAndGo() {
 TEST(ListenersAndThreads, ComeGoAndDieWhileMoreThreadsNotifyThanHavePlaces) {
     comeAndGo<ActionSet>();
     comeAndGo<ActionList>();
+}
+
+/// Changes something on one thread while listeners that die at once come and go on this one.
+void comeAndGoWhile(const std::function<void(int round)>& change,
+                    const std::function<void()>& comeAndGoOnce) {
+    std::atomic<bool> changing{true};
+    std::latch begun(1);
+    std::thread host([&] {
+        for (int round = 0; changing; ++round) {
+            change(round);
+            if (round == 1)
+                begun.count_down();
+        }
+    });
+    begun.wait();
+    for (int round = 0; round < 500; ++round)
+        comeAndGoOnce();
+    changing = false;
+    host.join();
+}
+
+TEST(ListenersAndThreads, OfARenderingValueComeAndGoWhileItIsSetElsewhere) {
+    struct Reader final : zmtl::IParameter<float>::Listener {
+        void parameterChanged(zmtl::IParameter<float>& parameter) override { seen = parameter.get(); }
+        std::atomic<float> seen{0.0f};
+    };
+    zmtl::Parameter<float> parameter(0.0f);
+    comeAndGoWhile([&](int round) { parameter.set(static_cast<float>(round % 2), true); },
+                   [&] {
+                       const auto reader = std::make_unique<Reader>();
+                       parameter.addListener(reader.get());
+                       parameter.addListener(reader.get());
+                       parameter.removeListener(reader.get());
+                   });
+    Reader last;
+    parameter.addListener(&last);
+    parameter.set(7.0f, true);
+    EXPECT_EQ(last.seen, 7.0f);
+}
+
+TEST(ListenersAndThreads, OfReloadsComeAndGoWhileAStructuralValueIsSetElsewhere) {
+    struct Flag final : orvane::IReloadListener {
+        void reloadRequested() override { up = true; }
+        std::atomic<bool> up{false};
+    };
+    orvane::ParameterSet set;
+    comeAndGoWhile([&](int round) { set.setReverbOn(round % 2 != 0, true); },
+                   [&] {
+                       const auto flag = std::make_unique<Flag>();
+                       set.addReloadListener(flag.get());
+                       set.removeReloadListener(flag.get());
+                   });
+    Flag last;
+    set.addReloadListener(&last);
+    set.notifyReloadListeners();
+    EXPECT_TRUE(last.up);
 }
 
 // Stress: every callback changes the list that it is called from; what it takes out dies after all threads have ended.
