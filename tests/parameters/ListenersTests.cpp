@@ -84,7 +84,9 @@ TYPED_TEST(AnyListeners, ThatAreNoneAreNotifiedAndRemovedWithoutAWord) {
 
 // A host that closes the editor from inside a notification must not find the listeners of the editor called again.
 TYPED_TEST(AnyListeners, MayRemoveThemselvesAndOthersWhileTheyAreCalled) {
-    auto& [first, second, third] = this->actions;
+    Action& first = this->actions[0];
+    Action& second = this->actions[1];
+    Action& third = this->actions[2];
     for (auto& action : this->actions)
         this->listeners.add(&action);
     first.run = [&] {
@@ -102,7 +104,8 @@ TYPED_TEST(AnyListeners, MayRemoveThemselvesAndOthersWhileTheyAreCalled) {
 }
 
 TYPED_TEST(AnyListeners, MayAddOthersAndNotifyAgainWhileTheyAreCalled) {
-    auto& [first, second, unused] = this->actions;
+    Action& first = this->actions[0];
+    Action& second = this->actions[1];
     this->listeners.add(&first);
     int depth = 0;
     first.run = [&] {
@@ -144,7 +147,9 @@ TYPED_TEST(AnyListeners, AreNotifiedWithoutAllocationLockOrWaitOnANewThreadToo) 
 
 // What cannot be freed inside a callback is freed by the next change outside: as many frees as allocations.
 TYPED_TEST(AnyListeners, ThatComeAndGoInsideACallbackLeaveNoMemoryBehind) {
-    auto& [first, guest, last] = this->actions;
+    Action& first = this->actions[0];
+    Action& guest = this->actions[1];
+    Action& last = this->actions[2];
     this->listeners.add(&first);
     first.run = [&] {
         for (int round = 0; round < 100; ++round) {
