@@ -7,7 +7,8 @@ class ISupportedLayouts;
 
 /// What views have to know of the plug-in's buses.
 ///
-/// Thread  listeners come and go on the message thread and are called on the one on which the host changes buses.
+/// Thread  listeners come and go on the message thread and are called on the one on which the host changes buses, which
+///         may be at the same time; zmtl::Listeners tells what a removal means.
 class IBusesLayout {
 public:
     class BusesLayoutListener {

@@ -14,7 +14,8 @@ public:
 
 /// The rendering parameter set as the engine manager sees it.
 ///
-/// Thread  listeners are attached before values change and detached after; the list is guarded by nothing.
+/// Thread  listeners come and go on any thread that may take a mutex, also while values change on others;
+///         zmtl::Listeners tells what a removal means.
 class IReloadNotifier {
 public:
     virtual ~IReloadNotifier() = default;

@@ -43,13 +43,12 @@ float ParameterSet::getFarFade() const noexcept {
 
 float ParameterSet::getAttenuationDb() const noexcept { return attenuationValue.get() * 0.24f; }
 
-void ParameterSet::addReloadListener(IReloadListener* listener) { reloadListeners.push_back(listener); }
+void ParameterSet::addReloadListener(IReloadListener* listener) { reloadListeners.add(listener); }
 
 void ParameterSet::removeReloadListener(IReloadListener* listener) { reloadListeners.remove(listener); }
 
 void ParameterSet::notifyReloadListeners() {
-    for (IReloadListener* const listener : reloadListeners)
-        listener->reloadRequested();
+    reloadListeners.notify([](IReloadListener& listener) { listener.reloadRequested(); });
 }
 
 std::unique_ptr<orvane::IReloadParameterSet> ParameterSet::createReloadParameterSet() const {

@@ -3,9 +3,8 @@
 
 #include "parameters/IParameterSetListener.h"
 #include "parameters/OutputFormat.h"
+#include "parameters/zmtl/Listeners.h"
 #include "parameters/zmtl/Parameter.h"
-
-#include <list>
 
 namespace orvane {
 
@@ -174,7 +173,7 @@ private:
     zmtl::Parameter<float> outputScale{1.0f};
     zmtl::Parameter<IOutputFormat::Format> outputFormat{IOutputFormat::Format::binaural};
 
-    std::list<IReloadListener*> reloadListeners; ///< Borrowed, in order of registration.
+    zmtl::ListenerList<IReloadListener> reloadListeners;
 };
 
 } // namespace orvane

@@ -7,7 +7,7 @@
 #include "ipc/IOrvaneParameterClient.h"
 #include "parameters/core/IParameterMapper.h"
 #include "parameters/core/IParameterSet.h"
-#include "parameters/core/ListenerSet.h"
+#include "parameters/zmtl/Listeners.h"
 #include "shell/BusLayouts.h"
 #include "ui/IFactory.h"
 #include "ui/IParameterPresenter.h"
@@ -100,7 +100,7 @@ private:
 
     juce::String name;
     BrevikPluginTools::BrevikTool brevikTool; ///< Gives each editor its help toolbar.
-    core::ListenerSet<BusesLayoutListener> busesLayoutListeners;
+    zmtl::ListenerSet<BusesLayoutListener> busesLayoutListeners;
     std::unique_ptr<core::IComponentFactory> componentFactory;
     std::unique_ptr<IFactory> factory;
     std::unique_ptr<core::ISupportedLayouts> supportedLayouts;

@@ -50,8 +50,7 @@ void Selector::comboBoxChanged(juce::ComboBox*) {
     }
     if (getValue() == 0)
         return; // emptied, not chosen: no value stands for that
-    for (auto* const listener : listeners)
-        listener->valueChanged();
+    listeners.notify([](core::ISelector::Listener& listener) { listener.valueChanged(); });
 }
 
 void Selector::show(std::uint32_t id) {

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "core/ISelector.h"
+#include "parameters/zmtl/Listeners.h"
 #include "ui/LatestItemStates.h"
 #include "ui/LatestValue.h"
 #include "ui/MessageThread.h"
@@ -9,7 +10,6 @@
 #include <juce_gui_basics/juce_gui_basics.h>
 
 #include <cstdint>
-#include <set>
 
 namespace orvane::kestrum {
 
@@ -27,8 +27,8 @@ public:
     void setValue(std::uint32_t id) final;
     std::uint32_t getValue() const override;
     void setItemEnabled(std::uint32_t id, bool enabled) override;
-    void addListener(core::ISelector::Listener* listener) override { listeners.insert(listener); }
-    void removeListener(core::ISelector::Listener* listener) override { listeners.erase(listener); }
+    void addListener(core::ISelector::Listener* listener) override { listeners.add(listener); }
+    void removeListener(core::ISelector::Listener* listener) override { listeners.remove(listener); }
 
     /// A widget reports a choice some time after it was made. When another thread has chosen meanwhile, that choice
     /// holds, and is not overwritten by what the widget still shows.
@@ -44,7 +44,7 @@ private:
     void applyPending();
 
     juce::Component::SafePointer<juce::ComboBox> comboBox;
-    std::set<core::ISelector::Listener*> listeners;
+    zmtl::ListenerSet<core::ISelector::Listener> listeners;
     LatestValue<std::uint32_t> pendingId;
     LatestItemStates pendingItems;
     MessageThread messageThread{[this] { applyPending(); }};

@@ -44,8 +44,7 @@ void Slider::setEnabled(bool enabled) {
 void Slider::sliderValueChanged(juce::Slider*) {
     if (muted)
         return;
-    for (auto* const listener : listeners)
-        listener->valueChanged();
+    listeners.notify([](core::ISlider::Listener& listener) { listener.valueChanged(); });
 }
 
 void Slider::componentBeingDeleted(juce::Component&) { widgetDeleted = true; }

@@ -2,12 +2,11 @@
 #pragma once
 
 #include "core/ISlider.h"
+#include "parameters/zmtl/Listeners.h"
 #include "ui/LatestValue.h"
 #include "ui/MessageThread.h"
 
 #include <juce_gui_basics/juce_gui_basics.h>
-
-#include <set>
 
 namespace orvane::kestrum {
 
@@ -29,8 +28,8 @@ public:
     void setValue(float value) override;
     float getValue() const override; ///< 0 when the widget has died.
     void setEnabled(bool enabled) override;
-    void addListener(core::ISlider::Listener* listener) override { listeners.insert(listener); }
-    void removeListener(core::ISlider::Listener* listener) override { listeners.erase(listener); }
+    void addListener(core::ISlider::Listener* listener) override { listeners.add(listener); }
+    void removeListener(core::ISlider::Listener* listener) override { listeners.remove(listener); }
 
     void sliderValueChanged(juce::Slider* changed) override;
     void sliderDragStarted(juce::Slider*) override {}
@@ -41,7 +40,7 @@ private:
     void applyPending();
 
     juce::Slider* slider;
-    std::set<core::ISlider::Listener*> listeners;
+    zmtl::ListenerSet<core::ISlider::Listener> listeners;
     bool widgetDeleted = false;
     bool muted = false; ///< While a value of another thread is being shown.
     LatestValue<float> pendingValue;

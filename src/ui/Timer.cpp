@@ -4,8 +4,7 @@
 namespace orvane::kestrum {
 
 void Timer::timerCallback() {
-    for (auto* const listener : listeners)
-        listener->timerCallback();
+    listeners.notify([](core::ITimer::Listener& listener) { listener.timerCallback(); });
 }
 
 } // namespace orvane::kestrum

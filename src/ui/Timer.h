@@ -2,10 +2,9 @@
 #pragma once
 
 #include "core/ITimer.h"
+#include "parameters/zmtl/Listeners.h"
 
 #include <juce_events/juce_events.h>
-
-#include <set>
 
 namespace orvane::kestrum {
 
@@ -18,13 +17,13 @@ public:
     Timer(const Timer&) = delete;
     Timer& operator=(const Timer&) = delete;
 
-    void addListener(core::ITimer::Listener* listener) override { listeners.insert(listener); }
-    void removeListener(core::ITimer::Listener* listener) override { listeners.erase(listener); }
+    void addListener(core::ITimer::Listener* listener) override { listeners.add(listener); }
+    void removeListener(core::ITimer::Listener* listener) override { listeners.remove(listener); }
 
 private:
     void timerCallback() override;
 
-    std::set<core::ITimer::Listener*> listeners;
+    zmtl::ListenerSet<core::ITimer::Listener> listeners;
 };
 
 } // namespace orvane::kestrum

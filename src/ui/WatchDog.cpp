@@ -7,8 +7,7 @@ void WatchDog::timerCallback() {
     const bool now = processor->hasError();
     if (now == state)
         return;
-    for (auto* const listener : listeners)
-        listener->errorStateChanged(now);
+    listeners.notify([now](IWatchDog::Listener& listener) { listener.errorStateChanged(now); });
     state = now;
 }
 

@@ -1,12 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "parameters/zmtl/Listeners.h"
 #include "ui/IProcessor.h"
 #include "ui/IWatchDog.h"
 
 #include <juce_events/juce_events.h>
-
-#include <set>
 
 namespace orvane::kestrum {
 
@@ -20,15 +19,15 @@ public:
     WatchDog(const WatchDog&) = delete;
     WatchDog& operator=(const WatchDog&) = delete;
 
-    void addListener(IWatchDog::Listener* listener) override { listeners.insert(listener); }
-    void removeListener(IWatchDog::Listener* listener) override { listeners.erase(listener); }
+    void addListener(IWatchDog::Listener* listener) override { listeners.add(listener); }
+    void removeListener(IWatchDog::Listener* listener) override { listeners.remove(listener); }
 
 private:
     void timerCallback() override;
 
     IProcessor* processor;
     bool state = false; ///< The flag at the last tick.
-    std::set<IWatchDog::Listener*> listeners;
+    zmtl::ListenerSet<IWatchDog::Listener> listeners;
 };
 
 } // namespace orvane::kestrum

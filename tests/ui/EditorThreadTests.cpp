@@ -2,29 +2,22 @@
 // A host whose thread writes parameters while the editor is open, and while it opens and closes. Sanitizers look on; the
 // variable KESTRUM_STRESS_SECONDS makes it longer.
 #include "OpenEditor.h"
-
-#include "parameters/core/ISelectorValue.h"
-#include "parameters/core/ISliderValue.h"
-#include "ui/IProcessorState.h"
+#include "ShownValues.h"
+#include "StressTime.h"
 
 #include <gtest/gtest.h>
 
 #include <atomic>
-#include <bit>
 #include <chrono>
-#include <cstdlib>
 #include <memory>
 #include <string>
 #include <thread>
 
 namespace {
 
+using test::expectWidgetsToShowTheValues;
 using test::Processor;
-
-std::chrono::milliseconds stressTime() {
-    const char* const seconds = std::getenv("KESTRUM_STRESS_SECONDS");
-    return std::chrono::seconds(seconds != nullptr ? std::atoi(seconds) : 2);
-}
+using test::stressTime;
 
 /// Writes all six parameters in turn, a thousand times a second, until it is destroyed.
 class WritingHost {
@@ -57,20 +50,6 @@ private:
     std::atomic<int> count{0};
     std::thread thread;
 };
-
-/// Every widget shows what its value holds.
-void expectWidgetsToShowTheValues(Processor& processor, test::OpenEditor& editor) {
-    auto& state = *processor.getProcessorState();
-    auto& widgets = editor.widgets();
-    EXPECT_EQ(std::bit_cast<std::uint32_t>(widgets.speakerSetup.getSelectedId()),
-              state.getSpeakerSetup()->getValue());
-    EXPECT_EQ(std::bit_cast<std::uint32_t>(widgets.scene.getSelectedId()), state.getScene()->getValue());
-    EXPECT_NEAR(widgets.ambience.getValue(), static_cast<double>(state.getAmbience()->getValue()), 0.51);
-    EXPECT_NEAR(widgets.focus.getValue(), static_cast<double>(state.getFocus()->getValue()), 0.051);
-    EXPECT_NEAR(widgets.headRotation.getValue(), static_cast<double>(state.getHeadRotation()->getValue()),
-                0.51);
-    EXPECT_NEAR(widgets.masterGain.getValue(), static_cast<double>(state.getMasterGain()->getValue()), 0.051);
-}
 
 class EditorUnderStress : public ::testing::Test {
 protected:

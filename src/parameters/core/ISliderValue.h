@@ -6,8 +6,8 @@ namespace orvane::kestrum::core {
 /// A user value on a scale. It outlives every editor and is watched by mappers and presenters.
 ///
 /// Thread  getValue() from any thread, wait-free. setValue() on any thread, calls listeners on that thread and
-///         is not meant for rendering. Listeners come and go on one thread at a time, while values are set on
-///         others; once removed, a listener is not called any more on any thread.
+///         is not meant for rendering. Listeners come and go on any thread that may take a mutex, also while values
+///         are set on others; zmtl::Listeners tells what a removal means.
 class ISliderValue {
 public:
     class Listener {

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "parameters/core/ISliderValue.h"
-#include "parameters/core/ListenerSet.h"
+#include "parameters/zmtl/Listeners.h"
 
 #include <atomic>
 #include <type_traits>
@@ -44,7 +44,7 @@ public:
 
 private:
     std::atomic<float> value;
-    ListenerSet<Listener> listeners; ///< Called in the order of their addresses.
+    zmtl::ListenerSet<Listener> listeners; ///< Called in the order of their addresses.
 };
 
 } // namespace orvane::kestrum::core::internal

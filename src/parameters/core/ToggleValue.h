@@ -2,7 +2,7 @@
 #pragma once
 
 #include "parameters/core/IToggleValue.h"
-#include "parameters/core/ListenerSet.h"
+#include "parameters/zmtl/Listeners.h"
 
 #include <atomic>
 
@@ -20,7 +20,7 @@ public:
 
 private:
     std::atomic<bool> value;
-    ListenerSet<Listener> listeners; ///< Called in the order of their addresses.
+    zmtl::ListenerSet<Listener> listeners; ///< Called in the order of their addresses.
 };
 
 } // namespace orvane::kestrum::core

@@ -5,8 +5,8 @@ namespace zmtl {
 
 /// One value of the rendering side, written by anyone and read by the audio thread.
 ///
-/// Thread  set() and get() from any thread, wait-free as long as nobody is notified. Listeners are attached
-///         before audio starts and detached after it has ended; their list is guarded by nothing.
+/// Thread  set() and get() from any thread, wait-free as long as nobody is notified. Listeners come and go on any
+///         thread that may take a mutex, also while values are set on others; see Listeners for what a removal means.
 template <typename T>
 class IParameter {
 public:
@@ -29,7 +29,7 @@ public:
     /// Appends; a listener that is added twice is called twice.
     ///
     /// @param listener borrowed until it is removed.
-    /// @throws std::length_error "list<T> too long" when the list can hold no more.
+    /// @throws std::length_error "list<T> too long" when the list can hold no more, std::bad_alloc.
     virtual void addListener(Listener* listener) = 0;
 
     /// Removes every occurrence of `listener`.

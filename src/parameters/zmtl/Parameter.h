@@ -2,10 +2,9 @@
 #pragma once
 
 #include "parameters/zmtl/IParameter.h"
+#include "parameters/zmtl/Listeners.h"
 
 #include <atomic>
-#include <list>
-#include <stdexcept>
 
 namespace zmtl {
 
@@ -24,25 +23,19 @@ public:
         // Deliberate: plain equality, so that a NaN is never equal to itself and notifies every time.
         if (previous == newValue || !notify)
             return;
-        for (Listener* const listener : listeners)
-            listener->parameterChanged(*this);
+        listeners.notify([this](Listener& listener) { listener.parameterChanged(*this); });
     }
 
     T get() const noexcept override { return value.load(); }
 
-    void addListener(Listener* listener) override {
-        if (listeners.size() == listeners.max_size())
-            throw std::length_error("list<T> too long");
-        listeners.push_back(listener);
-    }
-
+    void addListener(Listener* listener) override { listeners.add(listener); }
     void removeListener(Listener* listener) override { listeners.remove(listener); }
 
 private:
     static_assert(std::atomic<T>::is_always_lock_free, "the audio thread reads it");
 
     std::atomic<T> value;
-    std::list<Listener*> listeners; ///< Borrowed, never null.
+    ListenerList<Listener> listeners;
 };
 
 } // namespace zmtl
