@@ -10,8 +10,8 @@
 
 namespace orvane {
 
-/// The largest sample that a response may have, 120 dB over full scale. Measured ones stay below 20 dB; what is larger or no
-/// number is damage, and would come out of the loudspeakers, or stay in a filter for ever.
+/// The largest sample that a response may have, 120 dB over full scale. Measured ones stay below 20 dB; what is
+/// larger or no number is damage, and would reach the ears, or stay in a filter for ever.
 inline constexpr float largestResponseSample = 1e6f;
 
 /// Whether every sample read from a file is a number that can be a response's.
@@ -20,8 +20,8 @@ inline bool areSound(std::span<const float> samples) noexcept {
         samples, [](float sample) { return std::abs(sample) <= largestResponseSample; }); // no NaN is
 }
 
-/// Whether what lies under a path is something else than a file. Opening a pipe would wait for whoever writes to it, and a
-/// device may never end. What cannot be looked at is left to the opening.
+/// Whether what lies under a path is something else than a file. Opening a pipe would wait for whoever writes to
+/// it, and a device may never end. What cannot be looked at is left to the opening.
 inline bool isNoFile(const std::string& path) {
     std::error_code unknown;
     const auto status = std::filesystem::status(path, unknown);

@@ -8,14 +8,15 @@
 
 namespace OrvaneIPC {
 
-/// The shared segment in a client's hands: opened, proven and mapped through one descriptor, so that what was proven is what
-/// is mapped, whatever happens to the name meanwhile.
+/// The shared segment in a client's hands: opened, proven and mapped through one descriptor, so that what was
+/// proven is what is mapped, whatever happens to the name meanwhile.
 ///
-/// Nothing of the segment is read after the proof but the record, at the place that was proven, and none of the segment's own
-/// locks is ever taken: its server may die in any moment.
+/// Nothing of the segment is read after the proof but the record, at the place that was proven, and none of the
+/// segment's own locks is ever taken: its server may die at any moment.
 class ClientSegment {
 public:
-    /// Nothing when there is no such segment, it may not be read and written, or it is not proven, of which see proveSegment().
+    /// Nothing when there is no such segment, it may not be read and written, or it is not proven, of which see
+    /// proveSegment().
     ///
     /// Thread  one that may wait.
     /// Errors  std::bad_alloc.

@@ -13,7 +13,7 @@ namespace OrvaneIPC {
 class OrvaneParameterClient final : public IOrvaneParameterClient {
 public:
     /// Thread  one that may wait: what a server is still making is waited for, 20 ms at most.
-    /// Errors  none leave: whatever goes wrong, a segment included that is not proven, ends in an unconnected client.
+    /// Errors  none leave: whatever goes wrong ends in an unconnected client, a segment that is not proven, too.
     OrvaneParameterClient() noexcept;
 
     bool isConnected() const noexcept ORVANE_REALTIME override { return connected; }

@@ -23,8 +23,8 @@ namespace OrvaneIPC {
 
 namespace {
 
-// The library's own types cannot be laid over bytes that are not proven, and keep their fields to themselves, so here is how
-// they lie in memory. Pointers are distances from where they stand themselves.
+// The library's own types keep their fields to themselves and trust them, so here is how they lie in memory.
+// Pointers are distances from where they stand themselves.
 
 struct Lock {
     std::array<std::uint32_t, 4> holder; ///< Lock word, depth, owner, users: all 0 while nobody holds it.
