@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// The segment's name belongs to the whole machine: the tests of this program have shared memory of their own.
+// The segment's name belongs to the whole machine. A program that has this file among its sources gives its tests shared memory
+// of their own, so that they neither meet nor disturb others.
 #include "support/PrivateMounts.h"
 
 #include <gtest/gtest.h>
