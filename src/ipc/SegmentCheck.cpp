@@ -26,10 +26,8 @@ namespace {
 // The library's own types keep their fields to themselves and trust them, so here is how they lie in memory.
 // Pointers are distances from where they stand themselves.
 
-struct Lock {
-    std::array<std::uint32_t, 4> holder; ///< Lock word, depth, owner, users: all 0 while nobody holds it.
-    std::array<std::uint32_t, 6> kind;
-};
+using LibraryLock = boost::interprocess::interprocess_recursive_mutex;
+using Lock = std::array<std::uint32_t, 10>;
 
 struct Node {
     std::int64_t parent; ///< In an entry bit 1 is the colour.
@@ -76,7 +74,7 @@ using Manager = boost::interprocess::managed_shared_memory::segment_manager;
 using LibraryIndex = Manager::named_index_t;
 static_assert(offsetof(SegmentHeader, allocatorLock) == managedOffset);
 static_assert(offsetof(SegmentHeader, indexLock) == managedOffset + sizeof(Manager::memory_algorithm));
-static_assert(sizeof(Lock) == sizeof(boost::interprocess::interprocess_recursive_mutex));
+static_assert(sizeof(Lock) == sizeof(LibraryLock));
 static_assert(sizeof(Index) == sizeof(LibraryIndex));
 static_assert(sizeof(Node) == sizeof(LibraryIndex::value_type));
 static_assert(entryHeaderBytes == sizeof(boost::interprocess::ipcdetail::block_header<std::size_t>));
@@ -182,10 +180,16 @@ std::optional<std::vector<SoundEntry>> entriesOf(const Bytes& bytes, std::size_t
     return entries;
 }
 
+/// A lock that nobody holds looks like a new one.
+bool isFree(const Lock& lock) {
+    const LibraryLock fresh;
+    return std::memcmp(&lock, &fresh, sizeof lock) == 0;
+}
+
 bool isSound(const SegmentHeader& header, std::size_t size) {
     return header.state == initialisedState && header.managedBytes == size - managedOffset &&
            header.indexBytes == headerBytes - indexOffset && header.allocatedBytes <= header.managedBytes &&
-           header.indexLock.holder == std::array<std::uint32_t, 4>{};
+           isFree(header.indexLock);
 }
 
 /// Nothing where a segment of that size does not lie.

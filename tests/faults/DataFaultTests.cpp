@@ -159,7 +159,7 @@ TEST_F(DataFaults, AtTheFirstBuildMuteAndFlagAndAreForgottenOnceMended) {
     const int count = test::countFromEnvironment("KESTRUM_DATA_FAULTS", 90);
     auto seen = meet(count, [&](Kind kind, Random& random) -> int {
         const fs::path file = below(random, 2) == 0 ? files.responses() : files.reverb();
-        test::PlayingInstance instance(files);
+        test::PlayingInstance instance(files.path());
         if (kind == Kind::vanishing) {
             auto fault = std::make_unique<ComingAndGoing>(file);
             return test::firstBuild(instance, [&] { fault.reset(); });
@@ -180,7 +180,7 @@ TEST_F(DataFaults, AtTheFirstBuildMuteAndFlagAndAreForgottenOnceMended) {
 TEST_F(DataFaults, AtARebuildLeaveTheOldEnginePlaying) {
     const int count = test::countFromEnvironment("KESTRUM_DATA_FAULTS", 90);
     auto seen = meet(count, [&](Kind kind, Random& random) -> int {
-        test::PlayingInstance instance(files);
+        test::PlayingInstance instance(files.path());
         if (kind == Kind::vanishing) {
             // Its own thread must not be there before the threads are counted.
             instance.prepare();
@@ -196,14 +196,14 @@ TEST_F(DataFaults, AtARebuildLeaveTheOldEnginePlaying) {
 /// That the two tests above can fail: an instance that is flagged but not silent, one that never recovers, one that crashes.
 TEST_F(DataFaults, AreSeenWhereTheyAreNotBorneAsTheyShould) {
     const auto neverMended = test::watch([&] {
-        test::PlayingInstance instance(files);
+        test::PlayingInstance instance(files.path());
         fs::remove(files.responses());
         return static_cast<int>(test::firstBuild(instance, [] {}));
     });
     EXPECT_EQ(neverMended.value, test::didNotRecover);
     const auto faultAfterSuccess = test::watch([&] { // as written, the old engine plays on under the flag
         files.mend();
-        test::PlayingInstance instance(files);
+        test::PlayingInstance instance(files.path());
         instance.prepare();
         fs::remove(files.reverb());
         return static_cast<int>(test::firstBuild(instance, [] {}));
@@ -212,7 +212,7 @@ TEST_F(DataFaults, AreSeenWhereTheyAreNotBorneAsTheyShould) {
     const auto releasedInstead = test::watch(
         [&] {
             files.mend();
-            test::PlayingInstance instance(files);
+            test::PlayingInstance instance(files.path());
             return static_cast<int>(test::rebuildOver(instance, [&] { instance.release(); }));
         },
         std::chrono::seconds(2));

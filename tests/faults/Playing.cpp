@@ -8,6 +8,7 @@
 #include <cstdlib>
 #include <iterator>
 #include <thread>
+#include <utility>
 
 namespace test {
 
@@ -21,9 +22,9 @@ void DataFiles::mend() const {
     }
 }
 
-PlayingInstance::PlayingInstance(const DataFiles& files)
+PlayingInstance::PlayingInstance(std::string dataFolder)
     : store(std::make_unique<orvane::TenmarshHrir>(std::make_unique<orvane::TenmarshHrirReader>())),
-      processor(makeProcessor([path = files.path()] { return path; }, store.get())),
+      processor(makeProcessor([path = std::move(dataFolder)] { return path; }, store.get())),
       noise(noiseBuffer(2, playedBlock, 1)) {
     chooseScene("Mix Room");
     setInputs(*processor, 2);

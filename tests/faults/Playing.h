@@ -44,7 +44,7 @@ private:
 /// An instance over a folder and a store of its own, stereo in, not prepared, in a Scene with reverb.
 class PlayingInstance {
 public:
-    explicit PlayingInstance(const DataFiles& files);
+    explicit PlayingInstance(std::string dataFolder);
     ~PlayingInstance();
     PlayingInstance(const PlayingInstance&) = delete;
     PlayingInstance& operator=(const PlayingInstance&) = delete;

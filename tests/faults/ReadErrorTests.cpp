@@ -101,7 +101,7 @@ protected:
 
 TEST_P(ReadErrors, AtTheFirstBuildMuteAndFlag) {
     expectEachRefused([&](int call) {
-        test::PlayingInstance instance(files);
+        test::PlayingInstance instance(files.path());
         failAt(GetParam().name, call, GetParam().error);
         return test::firstBuild(instance, [] { counting = false; });
     });
@@ -109,7 +109,7 @@ TEST_P(ReadErrors, AtTheFirstBuildMuteAndFlag) {
 
 TEST_P(ReadErrors, AtARebuildLeaveTheOldEnginePlaying) {
     expectEachRefused([&](int call) {
-        test::PlayingInstance instance(files);
+        test::PlayingInstance instance(files.path());
         return test::rebuildOver(instance, [&] { failAt(GetParam().name, call, GetParam().error); });
     });
 }
@@ -122,7 +122,7 @@ TEST_P(ReadErrors, ReadsThatGiveLessThanAskedForAreNoFaults) {
     if (std::string(GetParam().name) != "posix/io/rw/read")
         GTEST_SKIP() << "Files are opened whole or not at all.";
     const auto end = test::watch([&] {
-        test::PlayingInstance instance(files);
+        test::PlayingInstance instance(files.path());
         fiu_enable("posix/io/rw/read/reduce", 1, nullptr, 0);
         return static_cast<int>(test::firstBuild(instance, [] {}));
     });
