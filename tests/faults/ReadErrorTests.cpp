@@ -118,15 +118,29 @@ INSTANTIATE_TEST_SUITE_P(Calls, ReadErrors,
                                            Point{"posix/stdio/oc/fopen", EMFILE}));
 
 /// Fewer bytes than asked for are no error: the rest comes with the next call.
-TEST_P(ReadErrors, ReadsThatGiveLessThanAskedForAreNoFaults) {
-    if (std::string(GetParam().name) != "posix/io/rw/read")
-        GTEST_SKIP() << "Files are opened whole or not at all.";
+TEST(ShortReads, AreNoFaults) {
+    const test::ScratchFolder scratch;
+    const test::DataFiles files(scratch.path);
+    files.mend();
     const auto end = test::watch([&] {
         test::PlayingInstance instance(files.path());
         fiu_enable("posix/io/rw/read/reduce", 1, nullptr, 0);
         return static_cast<int>(test::firstBuild(instance, [] {}));
     });
     EXPECT_EQ(end.how, How::returned);
+    EXPECT_EQ(end.value, test::playedThroughout);
+}
+
+/// That the tests of errors can fail: one of a call that is never made is no refusal.
+TEST(ReadErrorsBeyondTheLastCall, AreNoFaults) {
+    const test::ScratchFolder scratch;
+    const test::DataFiles files(scratch.path);
+    files.mend();
+    const auto end = test::watch([&] {
+        test::PlayingInstance instance(files.path());
+        failAt("posix/io/rw/read", 100000, EIO);
+        return static_cast<int>(test::firstBuild(instance, [] {}));
+    });
     EXPECT_EQ(end.value, test::playedThroughout);
 }
 
