@@ -210,14 +210,17 @@ TEST_F(UntrustedSegment, OneThatIsFinishedWhileTheClientLooksIsFound) {
 }
 
 /// What a tracker does all its life: it starts, writes, and goes.
-[[noreturn]] void track() {
+/// @param started is told when it has begun.
+[[noreturn]] void track(int started) {
     orvane::HeadRotationMatrix matrix = orvane::identityRotation;
+    if (write(started, "s", 1) != 1)
+        _exit(1);
     for (;;) {
         OrvaneParameterServer server;
-        for (int write = 0; write < 20; ++write) {
-            matrix.fill(static_cast<float>(write));
+        for (int count = 0; count < 20; ++count) {
+            matrix.fill(static_cast<float>(count));
             server.getHeadRotationServer()->setRotation(matrix);
-            server.getHeadRotationServer()->setActive(write % 2 == 0);
+            server.getHeadRotationServer()->setActive(count % 2 == 0);
         }
     }
 }
@@ -235,10 +238,16 @@ TEST_F(UntrustedSegment, WhateverATrackerLeavesThatIsKilledAtAnyMomentAClientBea
     std::array<int, 3> seen{};
     std::chrono::microseconds longest{};
     for (int round = 0; round < rounds; ++round) {
+        std::array<int, 2> started{};
+        ASSERT_EQ(pipe(started.data()), 0);
         const pid_t tracker = fork();
         if (tracker == 0)
-            track();
-        usleep(static_cast<useconds_t>(random() % 3000)); // the moment, not a wait for something
+            track(started[1]);
+        char sign = 0;
+        ASSERT_EQ(read(started[0], &sign, 1), 1);
+        close(started[0]);
+        close(started[1]);
+        usleep(static_cast<useconds_t>(random() % 1000)); // the moment, not a wait for something
         kill(tracker, SIGKILL);
         waitpid(tracker, nullptr, 0);
         const auto end = test::watch([] { return found(); });
