@@ -4,6 +4,7 @@
 #include "TestProcessor.h"
 
 #include <filesystem>
+#include <functional>
 #include <memory>
 #include <string>
 
