@@ -36,7 +36,6 @@ struct SharedLibrary {
         take(plan, "fftwf_plan_dft_1d");
         take(execute, "fftwf_execute");
         take(destroy, "fftwf_destroy_plan");
-        take(forget, "fftwf_cleanup");
     }
 
     template <typename Function>
@@ -51,19 +50,16 @@ struct SharedLibrary {
     decltype(fftwf_plan_dft_1d)* plan = nullptr;
     decltype(fftwf_execute)* execute = nullptr;
     decltype(fftwf_destroy_plan)* destroy = nullptr;
-    decltype(fftwf_cleanup)* forget = nullptr;
 };
 
 /// Plans a transform of a length and uses it once. @return whether its result is right: that of an impulse is flat.
-bool planAndRun(const SharedLibrary& library, std::mutex& lock, int length, bool forget) {
+bool planAndRun(const SharedLibrary& library, std::mutex& lock, int length) {
     std::vector<std::array<float, 2>> values(static_cast<std::size_t>(length));
     std::vector<std::array<float, 2>> transformed(values.size());
     const auto native = [](std::vector<std::array<float, 2>>& array) {
         return reinterpret_cast<fftwf_complex*>(array.data());
     };
     std::unique_lock guard(lock);
-    if (forget)
-        library.forget(); // the next ones plan from nothing
     const fftwf_plan plan = library.plan(length, native(values), native(transformed), FFTW_FORWARD,
                                          FFTW_ESTIMATE | FFTW_UNALIGNED);
     guard.unlock();
@@ -87,7 +83,7 @@ public:
                 std::mt19937 random(user);
                 while (!ended) {
                     const int length = 16 + static_cast<int>(random() % 2000);
-                    if (!planAndRun(library, lock, length, false))
+                    if (!planAndRun(library, lock, length))
                         wrong = true;
                     ++planned;
                 }
@@ -185,6 +181,7 @@ TEST(ForeignTransforms, PlannedOnFourThreadsChangeNothingOfWhatEnginesRender) {
     ASSERT_NE(peakOf({{alone.floats().begin(), alone.floats().end()}}), 0.0f);
     const int runs = runsFromEnvironment(3);
     int planned = 0;
+    int equalRuns = 0;
     for (int run = 0; run < runs; ++run) {
         std::ranges::fill(among.floats(), 0.0f);
         const auto end = ::test::watch(
@@ -201,27 +198,34 @@ TEST(ForeignTransforms, PlannedOnFourThreadsChangeNothingOfWhatEnginesRender) {
         EXPECT_EQ(end.how, How::returned) << "run " << run;
         EXPECT_GT(end.value, 0) << "nobody else planned";
         EXPECT_NE(end.value, 255) << "a wrong transform";
-        EXPECT_EQ(std::memcmp(alone.floats().data(), among.floats().data(), floatsPerRun * sizeof(float)), 0)
-            << "run " << run;
+        const bool same =
+            std::memcmp(alone.floats().data(), among.floats().data(), floatsPerRun * sizeof(float)) == 0;
+        EXPECT_TRUE(same) << "run " << run;
+        equalRuns += same ? 1 : 0;
         planned += end.value * 100;
     }
-    std::cout << "figure: " << runs << " of " << runs << " runs equal bit for bit, beside at least "
+    std::cout << "figure: " << equalRuns << " of " << runs << " runs equal bit for bit, beside at least "
               << planned << " plans of others\n";
 }
 
-/// That it can fail: a plug-in that shared the library of the four and planned under a lock of its own.
+/// Plans among the four, under another lock than theirs, until something is noticed.
+int planAmong() {
+    OtherUsers others;
+    std::mutex ownLock;
+    std::mt19937 random(99); // NOLINT(*-msc51-cpp): the same lengths every time
+    while (!others.wrong)
+        if (!planAndRun(others.library, ownLock, 16 + static_cast<int>(random() % 2000)))
+            break;
+    return 0;
+}
+
+/// That it can fail: a plug-in that shared the library of the four and planned under a lock of its own. Most often the planner
+/// crashes, else a transform is wrong; a planner that runs in circles cannot be told from one that nothing happens to.
 TEST(ForeignTransforms, AFifthUserOfTheSameLibraryWithAnotherLockIsFoundOut) {
-    const auto end = ::test::watch([] {
-        OtherUsers others;
-        std::mutex ownLock;
-        std::mt19937 random(99); // NOLINT(*-msc51-cpp): the same lengths every time
-        while (!others.wrong)
-            if (!planAndRun(others.library, ownLock, 16 + static_cast<int>(random() % 2000), true))
-                break;
-        return 0;
-    });
-    // A crash, a transform that is wrong, or a planner that never comes back.
-    EXPECT_TRUE(end.how != How::hung) << "nothing was noticed in a minute";
+    bool noticed = false;
+    for (int attempt = 0; attempt < 3 && !noticed; ++attempt)
+        noticed = ::test::watch(planAmong, std::chrono::seconds(30)).how != How::hung;
+    EXPECT_TRUE(noticed);
 }
 
 } // namespace
