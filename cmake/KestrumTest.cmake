@@ -1,7 +1,7 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
 # kestrum_test(<name> SOURCES ... LINK ... [LABELS ...] [SERIAL] [TIMEOUT <seconds>])
 # One GoogleTest program; every test case becomes a CTest entry "<name>.<Suite>.<Case>". SERIAL tests run
-# alone: they change something global of the machine (the rotation segment), which every plug-in instance looks at.
+# alone. Those that use the machine's one rotation segment get shared memory of their own: support/PrivateMemory.cpp.
 # No test meets a screen that it has not made: without the variable, the framework looks for the machine's first one,
 # which may be another test's and end any moment.
 function(kestrum_test name)

@@ -2,6 +2,7 @@
 #include "data/FileReader.h"
 
 #include "data/DataFileExceptions.h"
+#include "data/SoundSamples.h"
 
 #include <array>
 #include <bit>
@@ -31,6 +32,8 @@ std::vector<float> FileReader::read(const std::string& path, std::uint64_t float
                                     std::uint32_t tableSize, std::uint32_t entry) const {
     try {
         std::vector<float> samples(floatCount);
+        if (isNoFile(path))
+            throw wavNotReadableException();
         std::ifstream stream(path, std::ios::binary);
         if (!stream.is_open())
             throw wavNotReadableException();
@@ -41,7 +44,10 @@ std::vector<float> FileReader::read(const std::string& path, std::uint64_t float
             static_cast<std::streamoff>(tableStart + bytesPerEntry * tableSize + bytesPerFrame * offset));
         stream.read(reinterpret_cast<char*>(samples.data()),
                     static_cast<std::streamsize>(floatCount * sizeof(float)));
-        return samples; // a short read has left zeros in the tail
+        // A short read has left zeros in the tail; one that failed is no short one.
+        if (stream.bad() || !areSound(samples))
+            throw wavNotReadableException();
+        return samples;
     } catch (...) {
         throw wavNotReadableException();
     }

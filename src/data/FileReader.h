@@ -9,7 +9,8 @@ namespace orvane {
 /// table's end, then stereo frames of 32-bit floats. Little-endian. Stateless.
 ///
 /// Positions are computed in 64 bits: whatever the table says, a start outside the file gives zeros. A file
-/// that ends before the entry of the table is not readable.
+/// that ends before the entry of the table is not readable, nor is one with samples that are not sound
+/// (SoundSamples.h) or that the system fails to read.
 /// Deliberate: entry 0, which rooms without a reverb ask for, gives zeros, but the file has to be there.
 class FileReader final : public IFileReader {
 public:

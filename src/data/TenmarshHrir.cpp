@@ -144,7 +144,7 @@ void TenmarshHrir::load(std::int32_t sampleRate, const std::string& dataDirector
 const TenmarshHrir::Table* TenmarshHrir::keep(std::unique_ptr<const Table> table) {
     const auto same =
         std::find_if(tables.begin(), tables.end(), [&](const std::unique_ptr<const Table>& known) {
-            // As bytes: a file may hold values that are not numbers, which never compare equal.
+            // As bytes: equal numbers need not be equal sounds, as 0 and -0 are not.
             return known->sampleRate == table->sampleRate &&
                    std::ranges::equal(std::as_bytes(std::span(known->measuredSamples)),
                                       std::as_bytes(std::span(table->measuredSamples)));

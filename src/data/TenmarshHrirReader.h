@@ -9,6 +9,8 @@ namespace orvane {
 ///
 /// Deliberate: a response of a higher rate is the stored one with zeros between its samples and no
 /// anti-imaging filter; the convolver keeps only the bins below the stored Nyquist frequency instead.
+///
+/// A file with a sample that is not sound (SoundSamples.h) is not readable.
 class TenmarshHrirReader final : public IHrirReader {
 public:
     void read(const IIrFile& file, std::vector<float>& samples) override;

@@ -2,6 +2,7 @@
 #include "data/WaveFrames.h"
 
 #include "data/DataFileExceptions.h"
+#include "data/SoundSamples.h"
 
 #include <algorithm>
 #include <array>
@@ -29,17 +30,19 @@ T readAt(std::ifstream& stream, std::uint64_t position) {
 }
 
 /// Deliberate: a scan for one letter and no walk over the chunks, so a chunk in front that holds a 'd'
-/// misleads it.
+/// misleads it. It ends after a megabyte, since a file may be of any size.
 std::uint64_t findDataChunk(std::ifstream& stream) {
     constexpr std::uint64_t firstChunk = 36;
+    constexpr std::uint64_t scanEnd = firstChunk + (std::uint64_t{1} << 20);
     stream.seekg(static_cast<std::streamoff>(firstChunk));
-    for (std::uint64_t position = firstChunk;; ++position) {
+    for (std::uint64_t position = firstChunk; position < scanEnd; ++position) {
         const int byte = stream.get();
         if (byte == std::ifstream::traits_type::eof())
-            throw wavNotReadableException();
+            break;
         if (byte == 'd')
             return position;
     }
+    throw wavNotReadableException();
 }
 
 template <typename Stored>
@@ -56,6 +59,8 @@ std::vector<Stored> readSamples(std::ifstream& stream, std::uint64_t position, s
 
 void readWaveFrames(const IIrFile& file, std::vector<float>& samples, std::uint64_t frames,
                     std::uint16_t channels) {
+    if (isNoFile(file.path()))
+        throw wavNotReadableException();
     std::ifstream stream(file.path(), std::ios::binary);
     if (!stream.good())
         throw sampleRateFileNotFoundException();

@@ -15,7 +15,7 @@ namespace orvane {
 /// Errors  every byte of the file is taken as hostile. sampleRateFileNotFoundException: no such file;
 ///         numberOfChannelsMismatchException; wavChunckSizeShortException: the data chunk says it is too
 ///         short; wavBitWrongException: neither 16 nor 32 bits; wavNotReadableException: anything else, a
-///         file that ends too early included.
+///         file that ends too early, or that the system fails to read, included.
 void readWaveFrames(const IIrFile& file, std::vector<float>& samples, std::uint64_t frames,
                     std::uint16_t channels);
 

@@ -2,13 +2,10 @@
 #include "ipc/OrvaneParameterClient.h"
 
 #include "ipc/EmptyHeadRotation.h"
-#include "ipc/HeadRotation.h"
 
 #include <utility>
 
 namespace OrvaneIPC {
-
-namespace interprocess = boost::interprocess;
 
 namespace {
 
@@ -22,11 +19,12 @@ IHeadRotationClient& emptyHeadRotation() noexcept {
 OrvaneParameterClient::OrvaneParameterClient() noexcept {
     emptyHeadRotation(); // made here, so that the first look on the audio thread makes nothing
     try {
-        interprocess::managed_shared_memory opened(interprocess::open_only, segmentName);
-        segment.swap(opened);
-        const auto [record, count] = segment.find<HeadRotation::Data>(headRotationName);
-        if (count > 0)
-            headRotation = std::make_unique<HeadRotation>(record);
+        auto opened = ClientSegment::open(segmentName);
+        if (!opened)
+            return;
+        segment.emplace(std::move(*opened));
+        if (HeadRotation::Data* const record = segment->record(); record != nullptr)
+            headRotation.emplace(record);
         connected = true;
     } catch (...) {
         // Deliberate: without a tracker there is nothing to tell; the rotation comes from the parameter
@@ -35,10 +33,8 @@ OrvaneParameterClient::OrvaneParameterClient() noexcept {
     }
 }
 
-OrvaneParameterClient::~OrvaneParameterClient() = default;
-
 IHeadRotationClient& OrvaneParameterClient::getHeadRotationClient() noexcept {
-    if (isConnected() && headRotation != nullptr)
+    if (isConnected() && headRotation)
         return *headRotation;
     return emptyHeadRotation();
 }

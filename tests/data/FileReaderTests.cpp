@@ -7,7 +7,10 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <limits>
+
+#include <sys/stat.h>
 
 namespace {
 
@@ -77,6 +80,30 @@ TEST_F(ReverbContainer, AFileThatEndsInsideItsTableIsNotReadable) {
         test::writeBytes(path, whole.substr(0, size));
         EXPECT_THROW(reader.read(path, 2, 3, 3), orvane::wavNotReadableException) << size;
     }
+}
+
+/// A response that is no sound at all would come out of every loudspeaker.
+TEST_F(ReverbContainer, SamplesThatAreNoNumbersOrBeyondAMillionAreNotReadable) {
+    constexpr float infinite = std::numeric_limits<float>::infinity();
+    for (const float wrong : {std::numeric_limits<float>::quiet_NaN(), infinite, -infinite, 1.1e6f, -3e38f}) {
+        test::writeBytes(path,
+                         "??" + test::bytesOf(std::uint32_t{0}) + test::bytesOf(0.5f) + test::bytesOf(wrong));
+        EXPECT_THROW(reader.read(path, 2, 1, 1), orvane::wavNotReadableException) << wrong;
+        EXPECT_THAT(reader.read(path, 1, 1, 1), ElementsAre(0.5f)); // what is not asked for does not matter
+    }
+    test::writeBytes(path,
+                     "??" + test::bytesOf(std::uint32_t{0}) + test::bytesOf(1e6f) + test::bytesOf(-1e-40f));
+    EXPECT_THAT(reader.read(path, 2, 1, 1), ElementsAre(1e6f, -1e-40f));
+}
+
+TEST_F(ReverbContainer, WhatIsNoFileIsNotReadable) {
+    ASSERT_EQ(mkfifo(folder.file("pipe").c_str(), 0600), 0);
+    std::filesystem::create_directory(folder.file("folder"));
+    std::filesystem::create_symlink("/dev/zero", folder.file("device"));
+    for (const char* const name : {"pipe", "folder", "device"})
+        for (const std::uint32_t entry : {0u, 1u})
+            EXPECT_THROW(reader.read(folder.file(name), 2, 3, entry), orvane::wavNotReadableException)
+                << name;
 }
 
 TEST_F(ReverbContainer, ACountThatNoMemoryHoldsIsToldAsNotReadable) {

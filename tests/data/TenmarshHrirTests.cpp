@@ -305,6 +305,22 @@ TEST_F(HrirStore, AFailedLoadKeepsTheOldRateInServiceAndIsTriedAgain) {
     EXPECT_EQ(store.bandLimitFactor(), 1);
 }
 
+/// What is no number would never leave a filter again.
+TEST_F(HrirStore, ASampleThatIsNoNumberOrBeyondAMillionMakesTheFileUnreadable) {
+    constexpr float infinite = std::numeric_limits<float>::infinity();
+    for (const std::int32_t rate : {48000, 96000})
+        for (const float wrong : {std::numeric_limits<float>::quiet_NaN(), infinite, -infinite, -1.1e6f}) {
+            std::vector<float> samples = numberedSet(139);
+            samples.back() = wrong;
+            test::writeBytes(folder.file("OVNdata121.dat"), test::waveBytes({}, samples));
+            EXPECT_THROW(store.load(rate, folder.path()), orvane::wavNotReadableException) << wrong;
+            EXPECT_EQ(store.length(), 0u);
+        }
+    write("OVNdata121.dat", 139);
+    store.load(48000, folder.path());
+    EXPECT_EQ(store.length(), 139u);
+}
+
 TEST_F(HrirStore, ComingBackToARateMeetsTheFolderAsItIsNow) {
     store.load(24000, folder.path());
     store.load(44100, folder.path());

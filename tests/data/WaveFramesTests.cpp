@@ -9,8 +9,11 @@
 #include <gtest/gtest.h>
 
 #include <bit>
+#include <filesystem>
 #include <initializer_list>
 #include <limits>
+
+#include <sys/stat.h>
 
 namespace {
 
@@ -123,6 +126,36 @@ TEST_F(WaveFrames, TheSearchForTheDataEndsWithTheFile) {
     bytes.resize(36);
     EXPECT_THROW(read(bytes, 1), orvane::wavNotReadableException);
     EXPECT_THROW(read(bytes + std::string(5000, 'x'), 1), orvane::wavNotReadableException);
+}
+
+/// A file may have any size: the search takes no longer for a larger one.
+TEST_F(WaveFrames, TheSearchForTheDataEndsAfterAMegabyte) {
+    constexpr std::size_t header = 36;
+    const std::string whole = waveBytes({}, four);
+    const auto withGap = [&](std::size_t gap) {
+        return whole.substr(0, header) + std::string(gap, '\0') + whole.substr(header);
+    };
+    EXPECT_EQ(read(withGap((1 << 20) - 1), 2), four);
+    EXPECT_THROW(read(withGap(1 << 20), 2), orvane::wavNotReadableException);
+}
+
+// A pipe would be waited for, for ever, and a device need not end.
+TEST_F(WaveFrames, WhatIsNoFileIsNotReadable) {
+    std::vector<float> samples(4);
+    ASSERT_EQ(mkfifo(folder.file("pipe").c_str(), 0600), 0);
+    std::filesystem::create_directory(folder.file("folder"));
+    std::filesystem::create_symlink("/dev/zero", folder.file("device"));
+    for (const char* const name : {"pipe", "folder", "device"})
+        EXPECT_THROW(orvane::readWaveFrames(describe(name), samples, 2, 2), orvane::wavNotReadableException)
+            << name;
+}
+
+TEST_F(WaveFrames, ALinkToAFileIsThatFile) {
+    test::writeBytes(folder.file("stored"), waveBytes({}, four));
+    std::filesystem::create_symlink(folder.file("stored"), folder.file("link"));
+    std::vector<float> samples(4);
+    orvane::readWaveFrames(describe("link"), samples, 2, 2);
+    EXPECT_EQ(samples, four);
 }
 
 TEST_F(WaveFrames, EveryFileThatIsCutInsideItsHeaderIsRefused) {

@@ -3,16 +3,16 @@
 // process of its own, in a mount namespace of its own, where an empty file system lies over /opt.
 #include "BundleSupport.h"
 
+#include "support/PrivateMounts.h"
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <fcntl.h>
-#include <sched.h>
-#include <sys/mount.h>
 #include <unistd.h>
 
 #include <cstdio>
 #include <cstdlib>
+#include <exception>
 #include <filesystem>
 #include <fstream>
 #include <string>
@@ -24,11 +24,11 @@ using namespace orvane::kestrum::host::test;
 
 /// Leaves this process without the data folder. Ends it with status 99 where the system does not allow that.
 void hideData() {
-    // As root a mount namespace suffices; others need a user namespace around it.
-    const bool apart = unshare(CLONE_NEWNS) == 0 || unshare(CLONE_NEWUSER | CLONE_NEWNS) == 0;
-    if (!apart || mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0 ||
-        mount("none", "/opt", "tmpfs", 0, nullptr) != 0) {
-        std::perror("no mount namespace of its own");
+    try {
+        ::test::enterPrivateMounts();
+        ::test::coverFolder("/opt");
+    } catch (const std::exception& error) {
+        std::fprintf(stderr, "%s\n", error.what());
         std::_Exit(99);
     }
 }

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// Both ends over the real segment. Its name belongs to the whole machine, so these tests run one at a time.
+// Both ends over the real segment.
 #include "ipc/HeadRotation.h"
 #include "ipc/OrvaneParameterFactory.h"
 #include "support/RealtimeScope.h"

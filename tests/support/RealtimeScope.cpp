@@ -3,6 +3,7 @@
 
 #include "support/SystemCallWatch.h"
 
+#include <atomic>
 #include <cerrno>
 #include <cstddef>
 #include <cstdlib>
@@ -127,9 +128,13 @@ auto original(Result (*)(Arguments...), const char* name) noexcept -> Result (*)
 
 } // namespace
 
+// No two threads wait for each other's look-up: it takes the loader's lock, and the loader locks while it holds that.
 #    define KESTRUM_FORWARD(category, name, ...)                                                             \
         count(&test::RealtimeViolations::category);                                                          \
-        static const auto forwarded = original(&(name), #name);                                              \
+        static constinit std::atomic<decltype(original(&(name), #name))> known{nullptr};                     \
+        auto* forwarded = known.load(std::memory_order_relaxed);                                             \
+        if (forwarded == nullptr)                                                                            \
+            known.store(forwarded = original(&(name), #name), std::memory_order_relaxed);                    \
         return forwarded(__VA_ARGS__)
 
 extern "C" void __cxa_throw(void* thrown, void* type, void (*destroy)(void*));

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// The dial while a tracker drives it over the machine's one rotation segment, hence alone. Expected: the head's angle to
+// The dial while a tracker drives it over the rotation segment. Expected: the head's angle to
 // the right, and the zero at which the dial is given back.
 #include "PaintCount.h"
 #include "Places.h"

@@ -50,8 +50,8 @@ Finding unusable(const SegmentState& state, const Places& places) {
                     " bytes instead of 65536: no tracker of this link has made it.",
                 restart(places)};
     case SegmentState::Kind::damaged:
-        return {subject, Verdict::fault,
-                path + " is damaged: a DAW that loads the plug-in may crash or hang.", restart(places)};
+        return {subject, Verdict::fault, path + " is damaged or was never finished: instances do without.",
+                restart(places)};
     default:
         return {subject, Verdict::fault, path + " holds no head rotation: instances do without.",
                 restart(places)};

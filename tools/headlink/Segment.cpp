@@ -2,15 +2,13 @@
 #include "headlink/Segment.h"
 
 #include "headlink/Access.h"
-#include "headlink/ChildProcess.h"
 
 #include "ipc/HeadRotation.h"
-
-#include <boost/interprocess/managed_shared_memory.hpp>
+#include "ipc/SegmentCheck.h"
 
 #include <atomic>
-#include <bit>
 #include <cerrno>
+#include <chrono>
 #include <cstring>
 #include <filesystem>
 #include <thread>
@@ -31,7 +29,6 @@ using Record = OrvaneIPC::HeadRotation::Data;
 
 constexpr std::chrono::milliseconds betweenLooks{5};
 constexpr int lookCount = 60;
-constexpr std::chrono::seconds limit{3};
 
 /// Closes what it was given.
 struct Descriptor {
@@ -55,36 +52,55 @@ Record copyOf(const Record& record) {
     return copy;
 }
 
-/// Where the record lies in the file: a mapping begins at a page, the library's own address behind its header.
-std::size_t placeOf(const Record* record, const void* libraryAddress) {
-    const auto page = static_cast<std::uintptr_t>(sysconf(_SC_PAGESIZE));
-    const auto start = std::bit_cast<std::uintptr_t>(libraryAddress) / page * page;
-    return std::bit_cast<std::uintptr_t>(record) - start;
-}
+/// A segment, mapped by hand: the library would wait for its locks, which its dead owner may have held.
+class Mapping {
+public:
+    Mapping(const Descriptor& segment, int access)
+        : memory(mmap(nullptr, OrvaneIPC::segmentSize, access, MAP_SHARED, segment.number, 0)) {}
+    Mapping(const Mapping&) = delete;
+    Mapping& operator=(const Mapping&) = delete;
+    ~Mapping() {
+        if (memory != MAP_FAILED)
+            munmap(memory, OrvaneIPC::segmentSize);
+    }
 
-/// Runs in the child. @return "", or three letters, active, moving, locked, and the record's place.
-std::string lookInside(const std::string& name) {
-    namespace interprocess = boost::interprocess;
-    const interprocess::managed_shared_memory segment(interprocess::open_read_only, name.c_str());
-    // Of a memory that cannot be written, the record is looked for without the segment's own lock.
-    const auto [record, count] = const_cast<interprocess::managed_shared_memory&>(
-                                     segment) // NOLINT(*-const-cast): find() knows no const
-                                     .find<Record>(OrvaneIPC::headRotationName);
-    if (count == 0)
-        return "";
-    const Record first = copyOf(*record);
-    bool active = first.active != 0;
-    bool moving = false;
-    bool locked = (first.lock & 1U) != 0;
+    /// Null where nothing could be mapped.
+    Record* recordAt(std::size_t position) const {
+        if (memory == MAP_FAILED)
+            return nullptr;
+        return reinterpret_cast<Record*>( // NOLINT(*-reinterpret-cast): the check has found it there
+            static_cast<std::byte*>(memory) + position);
+    }
+
+private:
+    void* memory;
+};
+
+void watchRecord(const Record& record, SegmentState& state) {
+    const Record first = copyOf(record);
+    state.active = first.active != 0;
+    state.locked = (first.lock & 1U) != 0;
     for (int look = 0; look < lookCount; ++look) {
         std::this_thread::sleep_for(betweenLooks);
-        const Record now = copyOf(*record);
-        active = now.active != 0;
-        locked = locked && (now.lock & 1U) != 0;
-        moving = moving || std::memcmp(now.rotation, first.rotation, sizeof now.rotation) != 0;
+        const Record now = copyOf(record);
+        state.active = now.active != 0;
+        state.locked = state.locked && (now.lock & 1U) != 0;
+        state.moving = state.moving || std::memcmp(now.rotation, first.rotation, sizeof now.rotation) != 0;
     }
-    return std::string(active ? "a" : "-") + (moving ? "m" : "-") + (locked ? "l" : "-") +
-           std::to_string(placeOf(record, segment.get_address()));
+}
+
+/// Looks for the record in a segment of the right size, and at what happens to it.
+void lookInside(const fs::path& file, SegmentState& state) {
+    const Descriptor segment(open(file.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK));
+    const auto proven = OrvaneIPC::proveSegment(segment.number);
+    if (!proven || !proven->record) {
+        state.kind = proven ? SegmentState::Kind::noRecord : SegmentState::Kind::damaged;
+        return;
+    }
+    state.record = *proven->record;
+    const Mapping mapping(segment, PROT_READ);
+    if (const Record* const record = mapping.recordAt(state.record); record != nullptr)
+        watchRecord(*record, state);
 }
 
 bool isHeld(const fs::path& file) {
@@ -110,31 +126,12 @@ SegmentState fromOutside(const fs::path& file, uid_t user) {
     return state;
 }
 
-/// What the child has answered, letters and place.
-void takeAnswer(const std::string& answer, SegmentState& state) {
-    if (answer.size() < 4) {
-        state.kind = SegmentState::Kind::noRecord;
-        return;
-    }
-    state.active = answer[0] == 'a';
-    state.moving = answer[1] == 'm';
-    state.locked = answer[2] == 'l';
-    state.record = std::stoul(answer.substr(3));
-    if (state.record % alignof(Record) != 0 || state.record > OrvaneIPC::segmentSize - sizeof(Record))
-        state.kind = SegmentState::Kind::damaged;
-}
-
 } // namespace
 
 SegmentState lookAtSegment(const std::string& name, uid_t user) {
     SegmentState state = fromOutside(fileOf(name), user);
-    if (state.kind != SegmentState::Kind::whole)
-        return state;
-    const ChildResult result = inChildProcess([&name] { return lookInside(name); }, limit);
-    if (result.end == ChildResult::End::answered)
-        takeAnswer(result.text, state);
-    else
-        state.kind = SegmentState::Kind::damaged;
+    if (state.kind == SegmentState::Kind::whole)
+        lookInside(fileOf(name), state);
     return state;
 }
 
@@ -146,16 +143,9 @@ void switchOff(const std::string& name, const SegmentState& state) {
     if (segment.number < 0 || fstat(segment.number, &facts) != 0 || facts.st_ino != state.inode ||
         facts.st_size != static_cast<off_t>(OrvaneIPC::segmentSize))
         return;
-    // Mapped by hand: the library would wait for the segment's own locks, which its dead owner may have held.
-    void* const memory =
-        mmap(nullptr, OrvaneIPC::segmentSize, PROT_READ | PROT_WRITE, MAP_SHARED, segment.number, 0);
-    if (memory == MAP_FAILED)
-        return;
-    OrvaneIPC::HeadRotation(
-        reinterpret_cast<Record*>( // NOLINT(*-reinterpret-cast): the child has found it there
-            static_cast<std::byte*>(memory) + state.record))
-        .setActive(false);
-    munmap(memory, OrvaneIPC::segmentSize);
+    const Mapping mapping(segment, PROT_READ | PROT_WRITE);
+    if (Record* const record = mapping.recordAt(state.record); record != nullptr)
+        OrvaneIPC::HeadRotation(record).setActive(false);
 }
 
 bool roomForSegment(const std::string& folder) {

@@ -15,7 +15,7 @@ struct SegmentState {
         missing,
         closed,    ///< The user may not read and write it, as the plug-in has to.
         wrongSize, ///< Not made by the link's server.
-        damaged,   ///< Looking for the record crashes or hangs.
+        damaged,   ///< Not finished, or not what its library makes: the plug-in takes it for missing.
         noRecord,  ///< A sound segment of something else.
         whole,
     };
@@ -29,8 +29,8 @@ struct SegmentState {
     std::size_t record = 0; ///< Where the record lies in a whole segment, bytes from its start.
 };
 
-/// Looks for about a third of a second. Nothing in the segment is written, its locks included, and whatever may hang or crash
-/// does so in a child process, of which see inChildProcess().
+/// Looks for about a third of a second, through the check that the plug-in makes (ipc/SegmentCheck.h). Nothing in the segment
+/// is written, its locks included.
 SegmentState lookAtSegment(const std::string& name, uid_t user);
 
 /// Tells the instances of a whole segment that nobody drives them any more. Nothing if another has taken its place since.

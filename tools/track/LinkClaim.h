@@ -14,8 +14,8 @@ namespace orvane::kestrum::track {
 
 /// The machine's one link, in our hands: its segment made anew, and marked as ours.
 ///
-/// What lies there already is looked at from outside, never opened: a damaged segment, or one that was never finished,
-/// holds up whoever opens it.
+/// What lies there already is looked at from outside, never opened by its library, which a damaged segment, or one that was
+/// never finished, holds up.
 class LinkClaim {
 public:
     /// @param takeOver even from somebody who drives the link.
