@@ -21,3 +21,20 @@ function(kestrum_test name)
     gtest_discover_tests(${name}_tests TEST_PREFIX ${name}. DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 60
                          PROPERTIES ${properties})
 endfunction()
+
+# kestrum_release_test(<proof> <words-with-dashes> PROGRAM <name> FILTER <gtest filter> [ENVIRONMENT NAME=value ...]
+#                      [TIMEOUT <seconds>] [SERIAL])
+# A row of "./test --release": cases of the test program <name> at the counts of a release, as one CTest entry
+# "release.<proof>.<words>" with the label "release", which the ordinary test presets leave out. <proof> has two digits: the
+# row of docs/reliability.md. What the case prints as "figure: ..." stands in the table of rows.
+function(kestrum_release_test proof words)
+    cmake_parse_arguments(arg "SERIAL" "PROGRAM;FILTER;TIMEOUT" "ENVIRONMENT" ${ARGN})
+    set(test release.${proof}.${words})
+    add_test(NAME ${test} COMMAND ${arg_PROGRAM}_tests --gtest_filter=${arg_FILTER})
+    if(NOT arg_TIMEOUT)
+        set(arg_TIMEOUT 3600)
+    endif()
+    # A filter that meets no case, and a case that is left out, prove nothing.
+    set_tests_properties(${test} PROPERTIES LABELS release ENVIRONMENT "DISPLAY=none;${arg_ENVIRONMENT}" TIMEOUT ${arg_TIMEOUT}
+        FAIL_REGULAR_EXPRESSION "Running 0 tests;  SKIPPED " RUN_SERIAL ${arg_SERIAL})
+endfunction()

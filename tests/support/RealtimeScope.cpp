@@ -44,7 +44,7 @@ RealtimeViolations RealtimeScope::violations() const noexcept { return state.vio
 
 } // namespace test
 
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__) || defined(KESTRUM_MEMCHECK)
 
 const bool test::RealtimeScope::countingWorks = false;
 
