@@ -1,9 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// A headphone correction as text, up to the curve that is folded into a head.
+// A headphone correction as text, and the gains that it comes to.
 #include "Fuzzed.h"
 
 #include "data/DataError.h"
-#include "data/headphones/HeadphoneCurve.h"
 #include "data/headphones/ParametricEq.h"
 
 #include <cmath>
@@ -14,17 +13,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t cou
     try {
         const ParametricEq eq = parseParametricEq(test::Taken({bytes, count}).rest());
         test::promise(eq.filters.size() <= 200, "no more filters than are said to be taken");
-        constexpr double highestHz = 20000;
-        std::vector<double> gains(HeadphoneCurve::pointCount);
-        for (std::size_t point = 0; point < gains.size(); ++point) {
-            gains[point] = gainDb(eq, std::min(HeadphoneCurve::pointHz(point), highestHz));
-            test::promise(std::isfinite(gains[point]), "every gain is a number");
-        }
-        const CurveLimits limits;
-        const HeadphoneCurve curve(std::move(gains), limits);
-        test::promise(curve.levelDb() >= limits.softestDb && curve.levelDb() <= limits.loudestDb,
-                      "the level lies in its limits");
-        test::promise(std::isfinite(curve.leastDb()) && std::isfinite(curve.mostDb()), "the curve is finite");
+        // Tones from below to beyond what is heard.
+        for (double frequencyHz = 10; frequencyHz < 24000; frequencyHz *= 1.1)
+            test::promise(std::isfinite(gainDb(eq, frequencyHz)), "every gain is a number");
     } catch (const DataError& error) {
         test::promiseSentence(error.what());
     }
