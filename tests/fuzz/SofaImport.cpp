@@ -12,12 +12,23 @@
 
 using namespace orvane::kestrum::tools;
 
+namespace {
+
+/// Looking for new inputs, one that keeps the library busy is to cost little; those that are kept may be read slowly.
+#ifdef KESTRUM_FUZZER
+constexpr std::chrono::milliseconds limit(300);
+#else
+constexpr std::chrono::seconds limit(5);
+#endif
+
+} // namespace
+
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t count) {
     static test::FileInMemory content;
     content.replace(test::Taken({bytes, count}).rest());
     MeasuredSet set;
     try {
-        set = readSofa(content.path(), std::chrono::milliseconds(300));
+        set = readSofa(content.path(), limit);
     } catch (const DataError& error) {
         test::promiseSentence(error.what());
         return 0;
