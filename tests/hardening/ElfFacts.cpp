@@ -33,7 +33,7 @@ std::vector<std::string> weaknessesOf(const std::filesystem::path& file) {
     expect(!has(dynamic, "TEXTREL"), "its code is changed at loading");
     expect(!has(dynamic, "RPATH|RUNPATH"), "it looks for libraries in a folder of its own");
     expect(has(imported, "__stack_chk_fail"), "its stack is not protected");
-    expect(has(imported, R"(__\w+_chk\b(?!_fail))"), "its copies are not checked");
+    expect(has(imported, R"(__\w+_chk\b)"), "its copies are not checked");
     return weaknesses;
 }
 
