@@ -96,6 +96,19 @@ if [ $uninstall = yes ]; then
     exit 0
 fi
 
+# Whoever has unpacked the tar ball, under whatever mask: files are root's, for everybody to read and for nobody else to write.
+put() { # FILE DESTINATION
+    case $1 in
+    bin/* | *.so) mode=755 ;;
+    *) mode=644 ;;
+    esac
+    if [ "$(id -u)" = 0 ]; then
+        install -o root -g root -m $mode "$1" "$2"
+    else
+        install -m $mode "$1" "$2"
+    fi
+}
+
 # What else lies in the unpacked folder is somebody's own and stays there.
 [ -s "$here/file-list" ] || fail "the files to install are not beside it: run it in the unpacked folder."
 files=$(cat "$here/file-list")
@@ -132,7 +145,7 @@ echo "$files" | while IFS= read -r file; do
     destination=$(destination_of "$file")
     missing_above "$(dirname "$destination")" >>"$root$list"
     # By one rename: who reads it meanwhile has the old file or the new one.
-    { mkdir -p "$root$(dirname "$destination")" && cp "$here/$file" "$root$destination.new" &&
+    { mkdir -p "$root$(dirname "$destination")" && (cd "$here" && put "$file" "$root$destination.new") &&
         mv -f "$root$destination.new" "$root$destination"; } || {
         rm -f "$root$destination.new"
         fail "$destination cannot be written: make room on that disk and run it again, or run ./install.sh --uninstall."

@@ -10,6 +10,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <cmath>
 #include <random>
 #include <string>
@@ -125,6 +126,31 @@ TEST_F(SofaInput, CutShortAnywhereIsRefused) {
         test::writeBytes(folder.file("cut.sofa"), part);
         EXPECT_THROW(readSofa(folder.file("cut.sofa")), DataError) << part.size() << " of " << whole.size();
     }
+}
+
+/// Found by fuzzing, as are the next two: the library walks in circles there.
+TEST_F(SofaInput, ThatItsReaderWouldNeverComeBackFromIsRefused) {
+    try {
+        readSofa(KESTRUM_FUZZ_FINDINGS "/sofa/endless-walk.sofa", std::chrono::milliseconds(500));
+        FAIL() << "accepted";
+    } catch (const DataError& error) {
+        EXPECT_THAT(error.what(), HasSubstr("keeps its reader busy for ever): give an uncut file"));
+    }
+}
+
+TEST_F(SofaInput, WithAPositionThatIsNoNumberIsRefused) {
+    EXPECT_THAT(refusalOf(KESTRUM_FUZZ_FINDINGS "/sofa/position-that-is-no-number.sofa"),
+                HasSubstr("source positions that are no numbers: the file is damaged"));
+}
+
+TEST_F(SofaInput, WhoseTextsSteerATerminalIsToldOfWithoutThem) {
+    EXPECT_THAT(refusalOf(KESTRUM_FUZZ_FINDINGS "/sofa/convention-that-steers-the-terminal.sofa"),
+                HasSubstr("holds \" [31mred  \": give a SOFA file"));
+}
+
+TEST_F(SofaInput, ThatIsNoPlainFileIsRefused) {
+    for (const char* path : {"/dev/zero", "/tmp"})
+        EXPECT_THAT(refusalOf(path), HasSubstr("is no plain file: name a SOFA file with --sofa")) << path;
 }
 
 } // namespace

@@ -91,4 +91,12 @@ TEST(Automation, EventsComeInTimeOrderAndThoseOfOneMomentInTheFilesOrder) {
     EXPECT_EQ(events[2].frame, 1000u);
 }
 
+/// What stands in a file is shown in sentences; none of it may steer the terminal. The last is a control as UTF-8 has it.
+TEST(Automation, WithControlCharactersIsRefusedWithoutShowingThem) {
+    for (const std::string sign : {"\x1b[31m", "\a", "\b", "\x7f", "\xc2\x9b"})
+        EXPECT_EQ(refusal("0,gain,1\n1,scene,red" + sign + "\n"),
+                  "Line 2 of the automation holds control characters: save the file as plain text.");
+    EXPECT_EQ(refusal("0,scene,\xc2\xb0\n"), "accepted"); // a degree sign is none
+}
+
 } // namespace

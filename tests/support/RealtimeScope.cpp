@@ -57,7 +57,7 @@ bool RealtimeScope::seesSystemCalls() noexcept { return countingWorks && canWatc
 
 } // namespace test
 
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__) || defined(KESTRUM_MEMCHECK)
 
 const bool test::RealtimeScope::countingWorks = false;
 

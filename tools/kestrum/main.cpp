@@ -16,6 +16,8 @@
 #include <string>
 #include <vector>
 
+#include <sys/stat.h>
+
 namespace {
 
 std::vector<std::string> namesOf(const orvane::kestrum::render::ChoiceTable& table) {
@@ -65,6 +67,8 @@ int run(int argumentCount, char** arguments) {
 } // namespace
 
 int main(int argumentCount, char** arguments) {
+    umask(umask(0) |
+          S_IWOTH); // however lax the session is: nothing that is made here may be written by everybody
     try {
         return run(argumentCount, arguments);
     } catch (const std::exception& error) {

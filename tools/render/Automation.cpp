@@ -28,6 +28,17 @@ std::string_view field(std::string_view text) {
     return bare;
 }
 
+/// Whether a terminal would take a sign for an order: control characters, of ASCII or as UTF-8 has the others.
+bool steersTerminal(std::string_view text) {
+    for (std::size_t index = 0; index < text.size(); ++index) {
+        const auto byte = static_cast<unsigned char>(text[index]);
+        const auto next = static_cast<unsigned char>(index + 1 < text.size() ? text[index + 1] : '\0');
+        if (byte < 0x20 || byte == 0x7f || (byte == 0xc2 && (next & 0xe0U) == 0x80U))
+            return true;
+    }
+    return false;
+}
+
 constexpr std::string_view byteOrderMark = "\xef\xbb\xbf"; // some editors begin a file with it
 
 } // namespace
@@ -46,12 +57,16 @@ std::vector<AutomationLine> parseAutomation(std::istream& text) {
         if (second == std::string_view::npos)
             throw RenderError(place + " is not of the form seconds,parameter,value.");
         const std::string_view time = field(line.substr(0, first));
+        const std::string_view parameter = field(line.substr(first + 1, second - first - 1));
+        const std::string_view value = field(line.substr(second + 1));
+        if (steersTerminal(time) || steersTerminal(parameter) ||
+            steersTerminal(value)) // or sentences would show them
+            throw RenderError(place + " holds control characters: save the file as plain text.");
         if (lines.empty() && equalIgnoringCase(time, "seconds"))
             continue;
         AutomationLine entry{
             parseNumber(time, "the time in line " + std::to_string(number) + " of the automation"),
-            std::string(field(line.substr(first + 1, second - first - 1))),
-            std::string(field(line.substr(second + 1)))};
+            std::string(parameter), std::string(value)};
         if (entry.seconds < 0)
             throw RenderError(place + " has a negative time: count seconds from the input's start.");
         lines.push_back(std::move(entry));

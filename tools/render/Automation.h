@@ -27,7 +27,8 @@ struct AutomationEvent {
 /// Reads "seconds,parameter,value" lines. Blank lines, lines that begin with '#' and a heading line are
 /// skipped; blanks and quotation marks around the fields do not count, nor does a byte order mark. The value
 /// is all that follows the second comma.
-/// @throws RenderError with the line's number when a line lacks a field or its time is no number from 0 up.
+/// @throws RenderError with the line's number when a line lacks a field or holds control characters, or when its
+///         time is no number from 0 up.
 std::vector<AutomationLine> parseAutomation(std::istream& text);
 
 /// The same from a file.
