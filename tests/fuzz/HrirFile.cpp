@@ -7,8 +7,10 @@
 #include "data/IIrFile.h"
 #include "data/TenmarshHrirReader.h"
 
+#include <algorithm>
 #include <array>
 #include <bit>
+#include <cmath>
 
 namespace {
 
@@ -65,6 +67,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t cou
         return 0;
     test::promise(samples.size() == 2 * file.length() * file.responseCount(),
                   "as many samples as were asked for");
+    test::promise(std::ranges::all_of(samples, [](float sample) { return std::abs(sample) <= 1e6f; }),
+                  "what is no sound is not handed out");
     const auto factor = static_cast<std::size_t>(row.factor);
     for (std::size_t index = 0; index < samples.size(); ++index)
         test::promise(index / 2 % factor == 0 || std::bit_cast<std::uint32_t>(samples[index]) == 0,
