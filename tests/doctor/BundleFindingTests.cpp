@@ -85,7 +85,7 @@ protected:
     static void makeVersion(const std::filesystem::path& bundle, const std::string& version) {
         makeBundle(bundle, REFUSING_MODULE);
         write(bundle / "Contents" / "Resources" / "moduleinfo.json",
-              "{\n  \"Name\": \"Orvane KESTRUM\",\n  \"Version\": \"" + version + "\",\n}\n");
+              "{\n  \"Name\": \"Orvane KESTRUM\",\n  \"Version\": \"" + version + "\"\n}\n");
     }
 
     const std::filesystem::path own = places.home / ".vst3" / bundleName;
@@ -110,6 +110,15 @@ TEST_F(TwoBundles, OfUnknownVersionsAreLeftToTheUser) {
     makeVersion(own, "1.7.0");
     EXPECT_THAT(checkHostFolders(places),
                 ElementsAre(test::Found(Verdict::warning, "(version unknown)", "# remove the bundle")));
+}
+
+TEST_F(TwoBundles, WithDamagedDescriptionsAreOfUnknownVersions) {
+    for (const std::string damaged : {"1.7.0\n", "1.7.0\"", "1; reboot", "\", 1"}) {
+        makeBoth("1.7.0", damaged);
+        EXPECT_THAT(checkHostFolders(places),
+                    ElementsAre(test::Found(Verdict::warning, "(version unknown)", "# remove the bundle")))
+            << damaged;
+    }
 }
 
 TEST_F(HostFindings, ABundleBesideTheProgramAloneIsAWarningWithTheCopyingCommand) {

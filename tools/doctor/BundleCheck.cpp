@@ -6,13 +6,13 @@
 #include "host/Module.h"
 #include "host/PluginInstance.h"
 
+#include <nlohmann/json.hpp>
+
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
 #include <fstream>
-#include <iterator>
 #include <memory>
-#include <regex>
 #include <sstream>
 
 namespace orvane::kestrum::doctor {
@@ -106,10 +106,11 @@ Finding loaded(const fs::path& bundle, const Places& places) {
 /// As the bundle's own description says, which is read without loading anything; empty without one.
 std::string versionOf(const fs::path& bundle) {
     std::ifstream file(bundle / "Contents" / "Resources" / "moduleinfo.json");
-    const std::string text{std::istreambuf_iterator<char>(file), {}};
-    const std::regex said("\"Version\"\\s*:\\s*\"([0-9.]+)\"");
-    std::smatch match;
-    return std::regex_search(text, match, said) ? match[1].str() : std::string();
+    const auto described = nlohmann::json::parse(file, nullptr, false);
+    if (!described.is_object() || !described.contains("Version") || !described["Version"].is_string())
+        return {};
+    const std::string version = described["Version"];
+    return version.find_first_not_of("0123456789.") == std::string::npos ? version : std::string();
 }
 
 /// The parts between the dots, to be compared as numbers.

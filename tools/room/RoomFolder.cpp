@@ -44,7 +44,8 @@ fs::path requireSource(const fs::path& data) {
     if (!fs::is_directory(data))
         throw DataError(
             "\"" + data.string() +
-            "\" is no folder: name a data folder with --data, or make one with scripts/install-data.");
+            "\" is no folder: name a data folder with --data; \"kestrum doctor\" names the command that "
+            "installs the plug-in's own.");
     fs::path folder = fs::canonical(data);
     for (const FileVerdict& verdict : checkDataFolder(folder))
         if (!verdict.sound)
