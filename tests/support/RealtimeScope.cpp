@@ -215,7 +215,10 @@ __attribute__((visibility("default"))) int sched_yield() noexcept { KESTRUM_FORW
 __attribute__((visibility("default"), noreturn)) void __cxa_throw(void* thrown, void* type,
                                                                   void (*destroy)(void*)) {
     count(&test::RealtimeViolations::throws);
-    static const auto forwarded = original(&__cxa_throw, "__cxa_throw");
+    static constinit std::atomic<decltype(original(&__cxa_throw, ""))> known{nullptr};
+    auto* forwarded = known.load(std::memory_order_relaxed);
+    if (forwarded == nullptr)
+        known.store(forwarded = original(&__cxa_throw, "__cxa_throw"), std::memory_order_relaxed);
     forwarded(thrown, type, destroy);
     __builtin_unreachable();
 }
