@@ -44,15 +44,19 @@ std::size_t below(Random& random, std::size_t limit) { return random() % limit; 
 void flipBits(const fs::path& file, Random& random) {
     std::fstream stream(file, std::ios::binary | std::ios::in | std::ios::out);
     const std::size_t size = fs::file_size(file);
+    const std::size_t firstSample =
+        file.filename() == "OVNdata121.dat" ? 44 : 2 + 60 * 4; // behind header or table
     const std::size_t count = 1 + below(random, 8);
     for (std::size_t flip = 0; flip < count; ++flip) {
-        // Half of them where it says what the rest is, half in the exponents of its samples.
-        const std::size_t place =
-            flip % 2 == 0 ? below(random, std::min<std::size_t>(size, 300)) : below(random, size / 4) * 4 + 3;
+        // Half of them where it says what the rest is, half in the exponents of its samples, there often the highest bit.
+        const std::size_t place = flip % 2 == 0
+                                      ? below(random, std::min<std::size_t>(size, 300))
+                                      : firstSample + below(random, (size - firstSample) / 4) * 4 + 3;
         stream.seekg(static_cast<std::streamoff>(place));
         const int byte = stream.get();
         stream.seekp(static_cast<std::streamoff>(place));
-        stream.put(static_cast<char>(byte ^ (1 << below(random, 8))));
+        const std::size_t bit = flip % 2 == 1 && below(random, 2) == 0 ? 6 : below(random, 8);
+        stream.put(static_cast<char>(byte ^ (1 << bit)));
     }
 }
 
