@@ -61,10 +61,12 @@ std::vector<float> heardFrom(Processor& processor, int channel) {
 std::vector<int> playersOf(const Set& bus, const std::string& layout) {
     const auto reference = processorOn(Set::discreteChannels(bus.size()), layout);
     std::vector<std::vector<float>> loudspeakers;
+    loudspeakers.reserve(static_cast<std::size_t>(bus.size()));
     for (int channel = 0; channel < bus.size(); ++channel)
         loudspeakers.push_back(heardFrom(*reference, channel));
     const auto named = processorOn(bus, layout);
     std::vector<int> players;
+    players.reserve(loudspeakers.size());
     for (int channel = 0; channel < bus.size(); ++channel)
         players.push_back(static_cast<int>(std::ranges::find(loudspeakers, heardFrom(*named, channel)) -
                                            loudspeakers.begin()));
