@@ -19,12 +19,13 @@ namespace {
 constexpr uid_t nobody = 65534;
 
 class OrdinaryUser : public test::MadeUpSystem {
-protected:
+public:
     ~OrdinaryUser() override {
         if (!closed.empty())
             fs::permissions(closed, fs::perms(0755));
     }
 
+protected:
     void close(const fs::path& path) {
         closed = path;
         fs::permissions(path, fs::perms(0000));

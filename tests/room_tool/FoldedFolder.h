@@ -28,7 +28,7 @@ inline std::string textOfAbout(const std::filesystem::path& folder) {
 inline orvane::kestrum::tools::Headphones declareHeadphones(const std::filesystem::path& set) {
     namespace tools = orvane::kestrum::tools;
     writeBytes(set / "headphones.txt", correctionText);
-    const tools::Headphones headphones = tools::readHeadphones(set / "headphones.txt");
+    tools::Headphones headphones = tools::readHeadphones(set / "headphones.txt");
     const tools::HeadphoneCurve& curve = headphones.curve;
     tools::writeAbout(tools::aboutWithHeadphones(textOfAbout(set),
                                                  {headphones.fileName, headphones.sha256, headphones.copyName,
@@ -44,7 +44,7 @@ inline const std::string& foldedFolder() {
     static const TemporaryFolder folder;
     static const std::string path = [] {
         std::filesystem::copy(soundFolder(), folder.path());
-        const tools::Headphones headphones = declareHeadphones(folder.path());
+        tools::Headphones headphones = declareHeadphones(folder.path());
         const TemporaryFolder input;
         writeBytes(input.file("headphones.txt"), correctionText);
         tools::foldHeadphones(folder.path(), headphones, input.file("headphones.txt"),

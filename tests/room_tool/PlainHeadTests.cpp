@@ -22,7 +22,7 @@ namespace {
 class PlainHeads : public ::testing::Test {
 protected:
     std::filesystem::path addSet(const std::string& name, const std::string& about) {
-        const std::filesystem::path set = root.file("sets/" + name);
+        std::filesystem::path set = root.file("sets/" + name);
         std::filesystem::create_directories(set);
         for (const ResponseFile& file : responseFiles)
             std::filesystem::create_symlink(test::soundFolder() + "/" + std::string(file.name),
@@ -31,7 +31,7 @@ protected:
         return set;
     }
     std::filesystem::path addFoldedSet(const std::string& name, const std::string& about) {
-        const std::filesystem::path set = addSet(name, about);
+        std::filesystem::path set = addSet(name, about);
         test::declareHeadphones(set);
         return set;
     }

@@ -139,7 +139,7 @@ TEST_F(WholeRooms, WhoseLevelIsMissedSaySo) {
 
 /// A set of the machine with headphones folded in, and the same one without them.
 class WholeRoomsForHeadphones : public WholeRooms {
-protected:
+public:
     WholeRoomsForHeadphones() {
         setenv("KESTRUM_DATA_ROOT", folder.file("root").c_str(), 1);
         setenv("KESTRUM_PACKAGED_SETS", folder.file("none").c_str(), 1);
@@ -153,6 +153,7 @@ protected:
     WholeRoomsForHeadphones(const WholeRoomsForHeadphones&) = delete;
     WholeRoomsForHeadphones& operator=(const WholeRoomsForHeadphones&) = delete;
 
+protected:
     void addPlainSet() const {
         std::filesystem::copy(test::soundFolder(), folder.file("root/sets/plain-00000002"));
     }
