@@ -59,6 +59,7 @@ public:
     }
 
     void run() {
+        tellStatus(); // before the link becomes active, so that the next tracker knows whose link a killed one has left
         sayHello();
         for (Instant now = Clock::now(); !done; now = Clock::now()) {
             takeSignals(now);
