@@ -13,12 +13,15 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <iterator>
 #include <stdexcept>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include <csignal>
+#include <netinet/in.h>
+#include <poll.h>
+#include <sys/socket.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -26,6 +29,14 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 using std::chrono::microseconds;
+
+/// What a process has taken of one core so far, in seconds.
+double processorTime(pid_t id) {
+    std::ifstream file("/proc/" + std::to_string(id) + "/schedstat");
+    double nanoseconds = 0;
+    file >> nanoseconds;
+    return nanoseconds * 1e-9;
+}
 
 /// The program in folders of its own, so that the user's tracker is not in its way.
 class Program {
@@ -58,16 +69,7 @@ public:
     Program(const Program&) = delete;
     Program& operator=(const Program&) = delete;
 
-    /// Of one core, in seconds.
-    double processorTime() const {
-        std::ifstream file("/proc/" + std::to_string(id) + "/stat");
-        std::string text{std::istreambuf_iterator<char>(file), {}};
-        std::vector<double> fields;
-        const char* rest = text.c_str() + text.rfind(')') + 3; // behind the state
-        for (char* end = nullptr; fields.size() < 14; rest = end)
-            fields.push_back(std::strtod(rest, &end));
-        return (fields[10] + fields[11]) / static_cast<double>(sysconf(_SC_CLK_TCK));
-    }
+    double processorTime() const { return ::processorTime(id); }
 
     std::uint16_t oscPort() const { return portAfter("OSC on UDP port "); }
     std::uint16_t openTrackPort() const { return portAfter("opentrack on UDP port "); }
@@ -171,6 +173,59 @@ void measureFlood(const Program& program, const Sender& sender, OrvaneIPC::IHead
         sender.name, packets / 2.0, changes / 2.0, 100 * (program.processorTime() - processorBefore) / 2);
 }
 
+/// A process that waits for datagrams and takes them, and does no more: what the system itself costs.
+class BareReceiver {
+public:
+    BareReceiver() {
+        const int descriptor = socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0);
+        sockaddr_in address{};
+        address.sin_family = AF_INET;
+        address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+        socklen_t length = sizeof(address);
+        auto* const any =
+            reinterpret_cast<sockaddr*>(&address); // NOLINT(cppcoreguidelines-pro-type-reinterpret-cast)
+        if (bind(descriptor, any, length) != 0 || getsockname(descriptor, any, &length) != 0)
+            throw std::runtime_error("There is no UDP port: end other programs first.");
+        port = ntohs(address.sin_port);
+        id = fork();
+        if (id == 0) {
+            std::array<char, 64> bytes{};
+            for (pollfd waiting{descriptor, POLLIN, 0};;) {
+                poll(&waiting, 1, -1);
+                while (recv(descriptor, bytes.data(), bytes.size(), MSG_DONTWAIT) >= 0)
+                    ;
+            }
+        }
+        close(descriptor);
+    }
+    ~BareReceiver() {
+        kill(id, SIGKILL);
+        waitpid(id, nullptr, 0);
+    }
+    BareReceiver(const BareReceiver&) = delete;
+    BareReceiver& operator=(const BareReceiver&) = delete;
+
+    double processorTime() const { return ::processorTime(id); }
+
+    std::uint16_t port = 0;
+
+private:
+    pid_t id = -1;
+};
+
+/// The share of a core in per cent, when nobody watches and the sender sleeps between its packets as real ones do.
+template <typename Receiver>
+double costOf(const Receiver& receiver, const Sender& sender, int rate) {
+    const double before = receiver.processorTime();
+    const auto start = Clock::now();
+    for (int packet = 0; packet < 5 * rate; ++packet) {
+        sender.send(packet % 2 == 0 ? 20 : -20);
+        std::this_thread::sleep_until(start + (packet + 1) * microseconds(1000000 / rate));
+    }
+    return 100 * (receiver.processorTime() - before) /
+           std::chrono::duration<double>(Clock::now() - start).count();
+}
+
 /// With a program of its own, as no sender should meet what the one before has left.
 template <typename Kind>
 void measure(std::uint16_t (Program::*portOf)() const) {
@@ -182,6 +237,12 @@ void measure(std::uint16_t (Program::*portOf)() const) {
         sender.send(0);
         usleep(4000);
     }
+    const BareReceiver bare;
+    const Kind bareSender(bare.port);
+    for (const int rate : {60, 250})
+        std::printf("%9s, %4d packets a second, unwatched: %.2f %% of a core; a program that only receives: "
+                    "%.2f %%\n",
+                    sender.name, rate, costOf(program, sender, rate), costOf(bare, bareSender, rate));
     for (const int rate : {60, 250})
         measureLatency(program, sender, record, 10 * rate, microseconds(1000000 / rate));
     measureFlood(program, sender, record);

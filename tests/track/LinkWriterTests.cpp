@@ -72,7 +72,7 @@ TEST(LinkWriters, WriteNoMoreThan250InASecondOfAFloodAndEndWithTheNewest) {
     LinkWriter writer(server);
     for (int packet = 0; packet < 100000; ++packet)
         writer.write(yaw(packet * 0.001), start + microseconds(10 * packet));
-    EXPECT_LE(server.writes, 252); // one may come early
+    EXPECT_LE(server.writes, 255); // the first few may come at once
     EXPECT_GE(server.writes, 249);
     ASSERT_TRUE(writer.due());
     writer.flush(*writer.due());
@@ -80,7 +80,7 @@ TEST(LinkWriters, WriteNoMoreThan250InASecondOfAFloodAndEndWithTheNewest) {
     EXPECT_FALSE(writer.due());
 }
 
-// 250 packets in a second, each up to 2 ms early or late: the one early slot takes the jitter up.
+// 250 packets in a second, each up to 2 ms early or late: the few that may come early take the jitter up.
 TEST(LinkWriters, NeverLetASenderOf250InASecondWait) {
     RecordingServer server;
     LinkWriter writer(server);
@@ -91,10 +91,25 @@ TEST(LinkWriters, NeverLetASenderOf250InASecondWait) {
     EXPECT_EQ(server.writes, 1000);
 }
 
+// A slot that is missed once must not make every later packet wait for the next one.
+TEST(LinkWriters, CatchUpAfterABusySystemHeldASenderOf250InASecondUp) {
+    RecordingServer server;
+    LinkWriter writer(server);
+    for (int packet = 0; packet < 1000; ++packet) {
+        const int late = packet % 100 == 50   ? 11000
+                         : packet % 100 == 51 ? 7000
+                         : packet % 100 == 52 ? 3000
+                                              : 0;
+        writer.write(yaw(packet), start + microseconds(4000 * packet + late));
+        EXPECT_FALSE(writer.due()) << packet;
+    }
+    EXPECT_EQ(server.writes, 1000);
+}
+
 TEST(LinkWriters, DropWhatWaitsOnRelease) {
     RecordingServer server;
     LinkWriter writer(server);
-    for (int packet = 0; packet < 5; ++packet)
+    for (int packet = 0; packet < 10; ++packet)
         writer.write(yaw(packet), start);
     ASSERT_TRUE(writer.due());
     writer.release();

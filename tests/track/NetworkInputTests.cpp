@@ -27,6 +27,13 @@ NetworkOptions onPort(std::uint16_t oscPort) {
 
 class NetworkInputs : public ::testing::Test {
 protected:
+    /// Loopback delivers at once, so what was sent is ready.
+    Received receive() {
+        Readiness readiness;
+        readiness.wait(input.descriptors(), {});
+        return input.receive(readiness);
+    }
+
     NetworkInput input{onPort(0)};
     const std::uint16_t port = *input.oscPort();
 };
@@ -39,7 +46,7 @@ TEST_F(NetworkInputs, HoldTheSingleAnglesOfTwoSendersApart) {
         two.message("/yaw", {50});
         one.message("/pitch", {-20});
         two.message("/pitch", {10});
-        samples = input.receive().samples;
+        samples = receive().samples;
         ASSERT_EQ(samples.size(), 4u);
     }
     EXPECT_NEAR(angleBetween(samples[2].rotation, rotationOf(HeadAngles{30, 20, 0})), 0, 1e-5);
@@ -53,7 +60,7 @@ TEST_F(NetworkInputs, TakeASocketPerPacketForOneSender) {
     for (int packet = 0; packet < 10; ++packet) {
         Sender(port).message("/yaw", {-30.0 - packet});
         Sender(port).message("/pitch", {-20});
-        for (const Sample& sample : input.receive().samples)
+        for (const Sample& sample : receive().samples)
             samples.push_back(sample);
     }
     ASSERT_EQ(samples.size(), 20u);
@@ -66,7 +73,7 @@ TEST_F(NetworkInputs, RecentreWhenAButtonIsPressedAndNotWhenItIsLetGo) {
     const Sender sender(port);
     const auto recentres = [&](const std::vector<double>& values) {
         sender.message("/recenter", values);
-        return input.receive().recentre;
+        return receive().recentre;
     };
     EXPECT_TRUE(recentres({}));
     EXPECT_TRUE(recentres({1}));

@@ -11,6 +11,7 @@ namespace orvane::kestrum::track {
 namespace {
 
 constexpr std::chrono::milliseconds interval{4};
+constexpr auto longestMadeUpFor = 4 * interval; ///< Of a pause: longer ones of a desktop are rare.
 
 /// Holds back every signal of this thread for the length of a scope.
 class SignalsHeld {
@@ -49,7 +50,7 @@ void LinkWriter::flush(Instant now) {
         server->setRotation(matrix);
     }
     waiting.reset();
-    nextSlot = std::max(nextSlot, now) + interval;
+    nextDue = std::max(nextDue, now - longestMadeUpFor) + interval;
     if (!isActive)
         server->setActive(true);
     isActive = true;
@@ -58,7 +59,7 @@ void LinkWriter::flush(Instant now) {
 std::optional<Instant> LinkWriter::due() const {
     if (!waiting)
         return std::nullopt;
-    return nextSlot - interval;
+    return nextDue;
 }
 
 void LinkWriter::release() {

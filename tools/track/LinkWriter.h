@@ -11,8 +11,8 @@ namespace orvane::kestrum::track {
 
 /// Writes directions into the shared record, 250 in a second at most, so that no flood reaches a plug-in.
 ///
-/// A direction that comes too early waits, and a newer one takes its place. One write may come early, so that a sender
-/// of 250 in a second never waits for its own jitter.
+/// A direction that comes too early waits, and a newer one takes its place. Writes that a pause left out may be made up
+/// for, a few at once, so that a sender of 250 in a second never waits for its own jitter or for a system that was busy.
 ///
 /// No signal is taken while the record's lock is held: a process that is ended or stopped there would leave every
 /// plug-in spinning.
@@ -45,7 +45,7 @@ public:
 private:
     OrvaneIPC::IHeadRotationServer* server;
     std::optional<Rotation> waiting;
-    Instant nextSlot{}; ///< When the next write is due that keeps the rate; one interval early is allowed.
+    Instant nextDue{}; ///< Of the next write that keeps the rate, counted from the last few at the earliest.
     bool isActive = false;
 };
 

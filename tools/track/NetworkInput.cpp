@@ -36,10 +36,12 @@ NetworkInput::NetworkInput(const NetworkOptions& options)
           takeMessage(address, values);
       }) {}
 
-Received NetworkInput::receive() {
+Received NetworkInput::receive(const Readiness& readiness) {
     received = {};
-    const auto drain = [](UdpSocket* socket, auto take) {
-        for (int count = 0; socket != nullptr && count < mostDatagramsAtOnce; ++count) {
+    const auto drain = [&readiness](UdpSocket* socket, auto take) {
+        if (socket == nullptr || !readiness.has(socket->descriptor()))
+            return;
+        for (int count = 0; count < mostDatagramsAtOnce; ++count) {
             const auto datagram = socket->receive();
             if (!datagram)
                 return;

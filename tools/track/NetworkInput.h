@@ -3,6 +3,7 @@
 
 #include "track/Dialects.h"
 #include "track/OscParser.h"
+#include "track/Readiness.h"
 #include "track/Sample.h"
 #include "track/SenderTable.h"
 #include "track/UdpSocket.h"
@@ -38,10 +39,11 @@ public:
     /// @throws TrackError when a port cannot be had.
     explicit NetworkInput(const NetworkOptions& options);
 
-    /// Takes all that waits, but no more than a fraction of a second's flood. Never waits.
-    Received receive();
+    /// Takes all that waits on those descriptors() that are ready, but no more than a fraction of a second's flood. Never
+    /// waits.
+    Received receive(const Readiness& readiness);
 
-    /// To wait for.
+    /// To wait for, with a Readiness.
     std::vector<int> descriptors() const;
 
     std::optional<std::uint16_t> oscPort() const;

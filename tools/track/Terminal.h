@@ -27,6 +27,9 @@ public:
     /// A key that was pressed; empty when none waits.
     std::optional<char> key();
 
+    /// False when neither keys nor the line have anything to do with a terminal: then there is nothing to follow or show.
+    bool attached() const { return keys || drawing; }
+
     /// Where keys come from, to wait for; -1 without.
     int keyDescriptor() const { return keys && foreground ? 0 : -1; }
 

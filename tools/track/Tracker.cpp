@@ -7,6 +7,7 @@
 #include "track/Mounting.h"
 #include "track/MountingFile.h"
 #include "track/PlayedInput.h"
+#include "track/Readiness.h"
 #include "track/Signals.h"
 #include "track/StatusFile.h"
 #include "track/Terminal.h"
@@ -18,7 +19,6 @@
 #include <string>
 #include <vector>
 
-#include <poll.h>
 #include <unistd.h>
 
 namespace orvane::kestrum::track {
@@ -59,6 +59,7 @@ public:
     }
 
     void run() {
+        tellStatus(); // before the link becomes active, so that the next tracker knows whose link a killed one has left
         sayHello();
         for (Instant now = Clock::now(); !done; now = Clock::now()) {
             takeSignals(now);
@@ -83,7 +84,7 @@ private:
     void writeDirection(Instant now);
     void tell(Instant now);
     void tellStatus();
-    void wait() const;
+    void wait();
     void end(Instant now);
     void stop();
 
@@ -100,6 +101,7 @@ private:
     Instant start;
     PlayedInput played;
     Terminal terminal;
+    Readiness readiness; ///< Of the signals, the keys and the ports.
     std::optional<PoseCalibration> calibration;
     std::optional<Instant> nextChange; ///< When the direction changes without any sample.
     bool fresh = false;                ///< A sample came in since the last write.
@@ -133,6 +135,8 @@ void Tracker::sayHello() {
 }
 
 void Tracker::takeSignals(Instant now) {
+    if (!readiness.has(signals.descriptor()))
+        return;
     while (const auto request = signals.next()) {
         switch (*request) {
         case Signals::Request::recentre:
@@ -152,7 +156,9 @@ void Tracker::takeSignals(Instant now) {
 
 void Tracker::takeKeys(Instant now) {
     constexpr char escape = 27;
-    terminal.follow();
+    if (!readiness.has(terminal.keyDescriptor()))
+        return;
+    terminal.follow(); // what was typed for the shell is not ours to read
     while (const auto key = terminal.key()) {
         switch (*key) {
         case 'r':
@@ -201,7 +207,7 @@ void Tracker::takePose(Instant now) {
 }
 
 void Tracker::takeSamples(Instant now) {
-    const Received received = network.receive();
+    const Received received = network.receive(readiness);
     for (const Sample& sample : received.samples)
         take(sample, now);
     for (const Sample& sample : played.samples(now))
@@ -250,8 +256,9 @@ void Tracker::writeDirection(Instant now) {
 }
 
 void Tracker::tell(Instant now) {
-    if (now >= nextView) {
+    if (terminal.attached() && now >= nextView) {
         nextView = now + viewInterval;
+        terminal.follow();
         const auto direction = head.direction(now);
         const Rotation withoutBias = rotationOf(HeadAngles{-settings.biasDegrees, 0, 0});
         view.advance(now);
@@ -272,20 +279,16 @@ void Tracker::tellStatus() {
     statusFile.write(status);
 }
 
-void Tracker::wait() const {
-    Instant until = std::min(nextStatus, nextView);
+void Tracker::wait() {
+    Instant until = terminal.attached() ? std::min(nextStatus, nextView) : nextStatus;
     for (const auto& moment : {writer.due(), nextChange, played.due()})
         if (moment)
             until = std::min(until, *moment);
-    std::vector<pollfd> waiting{{signals.descriptor(), POLLIN, 0}};
-    for (const int descriptor : network.descriptors())
-        waiting.push_back({descriptor, POLLIN, 0});
+    std::vector<int> descriptors = network.descriptors();
+    descriptors.push_back(signals.descriptor());
     if (terminal.keyDescriptor() >= 0)
-        waiting.push_back({terminal.keyDescriptor(), POLLIN, 0});
-    const auto pause = std::max(until - Clock::now(), Clock::duration::zero());
-    const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(pause);
-    const timespec limit{seconds.count(), std::chrono::nanoseconds(pause - seconds).count()};
-    ppoll(waiting.data(), waiting.size(), &limit, nullptr);
+        descriptors.push_back(terminal.keyDescriptor());
+    readiness.wait(descriptors, until - Clock::now());
 }
 
 /// The first wish glides, a second one ends at once.
