@@ -36,8 +36,10 @@ double valueOf(OpenWindow& opened, const SliderCase& slider) {
 }
 
 void setByHost(OpenWindow& opened, const SliderCase& slider, double value) {
+    const Image before = opened.look();
     setAndSend(opened.plugin(), slider.parameter, std::to_string(value));
-    opened.look();
+    EXPECT_TRUE(opened.waitUntil([&] { return opened.look() != before; }))
+        << "the window shows another value";
 }
 
 Image seenOf(OpenWindow& opened, const Place& place) {
@@ -125,8 +127,8 @@ TEST_P(EverySlider, ShowsWhatTheHostSetsAndSendsNothingBack) {
     EXPECT_NE(seenOf(opened, slider.box), textAtFirst);
     EXPECT_NE(seenOf(opened, slider.control), controlAtFirst);
     setByHost(opened, slider, first);
-    EXPECT_EQ(seenOf(opened, slider.box), textAtFirst);
-    EXPECT_EQ(seenOf(opened, slider.control), controlAtFirst);
+    EXPECT_TRUE(opened.waitUntil([&] { return seenOf(opened, slider.box) == textAtFirst; }));
+    EXPECT_TRUE(opened.waitUntil([&] { return seenOf(opened, slider.control) == controlAtFirst; }));
     EXPECT_NEAR(valueOf(opened, slider), first, 1e-3);
     EXPECT_EQ(opened.plugin().editCount(), edits) << "a host's value is not echoed";
 }
