@@ -104,8 +104,9 @@ TEST(LoadingChecks, SeeAModuleThatStays) {
 
 TEST(LoadingChecks, SeeADescriptorThatStays) {
     EXPECT_THAT(inChild([] {
-                    return loading(binary(), 3,
-                                   [](const RawModule&, Findings&) { std::fopen("/dev/null", "r"); });
+                    return loading(binary(), 3, [](const RawModule&, Findings&) {
+                        [[maybe_unused]] auto* const stays = std::fopen("/dev/null", "r");
+                    });
                 }),
                 HasSubstr("1 descriptors are left"));
 }

@@ -39,7 +39,7 @@ std::string faulty(const std::function<void(int)>& fault, double hours) {
 }
 
 TEST(SoakChecks, SeeADescriptorThatStays) {
-    EXPECT_THAT(faulty([](int) { static_cast<void>(std::fopen("/dev/null", "r")); }, 0.01),
+    EXPECT_THAT(faulty([](int) { [[maybe_unused]] auto* const stays = std::fopen("/dev/null", "r"); }, 0.01),
                 HasSubstr("1 descriptors are left"));
 }
 
