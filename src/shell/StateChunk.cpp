@@ -64,6 +64,12 @@ bool referencesEnd(std::string_view text) noexcept {
     return true;
 }
 
+/// Whether there is a processing instruction but the declaration at the beginning. Where one stands in a tag or is not closed,
+/// the reader goes round in a circle for ever.
+bool hasInstructionWithin(std::string_view text) noexcept {
+    return text.find("<?", 1) != std::string_view::npos;
+}
+
 } // namespace
 
 bool isReadableState(Bytes chunk) noexcept {
@@ -78,7 +84,8 @@ bool isReadableState(Bytes chunk) noexcept {
     const Bytes bytes = chunk.subspan(headerLength, length);
     const std::string_view text(reinterpret_cast<const char*>(bytes.data()), bytes.size());
     return isUtf8(bytes) && isClosed(text) && std::ranges::count(text, '<') <= mostTags &&
-           text.find("<!DOCTYPE") == std::string_view::npos && referencesEnd(text);
+           text.find("<!DOCTYPE") == std::string_view::npos && !hasInstructionWithin(text) &&
+           referencesEnd(text);
 }
 
 } // namespace orvane::kestrum
