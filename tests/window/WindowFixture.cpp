@@ -50,6 +50,9 @@ OpenWindow::OpenWindow(std::unique_ptr<PluginInstance> plugin)
     : instance(std::move(plugin)), editor(*instance), person(windowCorner) {
     person.moveTo({-100, -100}); // no control is hovered over
     editor.open(windowCorner.x, windowCorner.y);
+    const auto size = editor.windowSize();
+    const Image black(size.width, size.height); // as it rests where the first painting is late
+    waitUntil([&] { return person.see({0, 0}, size.width, size.height) != black; });
 }
 
 void OpenWindow::act(const std::function<void(Person&)>& actions) {
