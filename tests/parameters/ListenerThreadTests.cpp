@@ -7,6 +7,9 @@
 
 #include <gtest/gtest.h>
 
+#include <pthread.h>
+#include <signal.h>
+
 #include <atomic>
 #include <chrono>
 #include <cstdlib>
@@ -208,6 +211,66 @@ TEST(ListenersAndThreads, ASecondRemovalFromOutsideWaitsForWhatTheFirstOneInside
     EXPECT_TRUE(left);
     other.join();
 }
+
+#ifndef __SANITIZE_THREAD__ // which hands signals over at places of its own choice
+/// Stops the thread that gets the signal, wherever it stands, until it is let go or another one seems to wait for it.
+struct Stop {
+    static inline std::atomic<bool> reached{false};
+    static inline std::atomic<bool> over{false};
+
+    static void stand(int /*signal*/) {
+        reached = true;
+        const auto latest = std::chrono::steady_clock::now() + std::chrono::milliseconds(1);
+        while (!over && std::chrono::steady_clock::now() < latest) {
+        }
+    }
+};
+
+// Between taking an entry and calling its listener there are a few instructions, in which a thread is stopped now and then.
+TEST(ListenersAndThreads, NoCallBeginsAfterARemovalWhereverANotificationWasStopped) {
+    struct sigaction handler {};
+    struct sigaction former {};
+    handler.sa_handler = Stop::stand;
+    ASSERT_EQ(sigaction(SIGUSR1, &handler, &former), 0);
+    ActionSet set;
+    std::atomic<bool> notifying{true};
+    std::atomic<unsigned> notifications{0};
+    std::thread other([&] {
+        while (notifying) {
+            notify(set);
+            ++notifications;
+        }
+    });
+    const auto waitForNotifications = [&](unsigned count) {
+        for (const unsigned before = notifications; notifications - before < count;)
+            std::this_thread::yield();
+    };
+    std::atomic<int> late{0};
+    for (int moment = 0; moment < 500; ++moment) {
+        std::atomic<bool> removed{false};
+        Action action;
+        action.run = [&] {
+            if (removed)
+                ++late;
+        };
+        set.add(&action);
+        waitForNotifications(2);
+        Stop::reached = false;
+        Stop::over = false;
+        pthread_kill(other.native_handle(), SIGUSR1);
+        while (!Stop::reached)
+            std::this_thread::yield();
+        set.remove(&action);
+        removed = true;
+        Stop::over = true;
+        waitForNotifications(2);
+    }
+    notifying = false;
+    other.join();
+    EXPECT_EQ(sigaction(SIGUSR1, &former, nullptr), 0);
+    EXPECT_EQ(late, 0);
+}
+#endif
 
 // Stress: more threads than have places notify; on three others listeners come, go and die.
 template <typename Actions>
