@@ -27,7 +27,6 @@
 namespace {
 
 namespace fs = std::filesystem;
-using test::Verdict;
 using How = test::WatchedEnd::How;
 
 enum class Kind { cutOff, bitsFlipped, unreadable, pipe, folder, vanished, vanishing };

@@ -10,8 +10,6 @@
 #include <cstdlib>
 #include <memory>
 
-juce::AudioProcessor* JUCE_CALLTYPE createPluginFilter();
-
 namespace {
 
 using How = test::WatchedEnd::How;

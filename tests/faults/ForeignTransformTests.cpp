@@ -60,8 +60,8 @@ bool planAndRun(const SharedLibrary& library, std::mutex& lock, int length) {
         return reinterpret_cast<fftwf_complex*>(array.data());
     };
     std::unique_lock guard(lock);
-    const fftwf_plan plan = library.plan(length, native(values), native(transformed), FFTW_FORWARD,
-                                         FFTW_ESTIMATE | FFTW_UNALIGNED);
+    fftwf_plan_s* const plan = library.plan(length, native(values), native(transformed), FFTW_FORWARD,
+                                            FFTW_ESTIMATE | FFTW_UNALIGNED);
     guard.unlock();
     values.assign(values.size(), {0.0f, 0.0f});
     values[0] = {1.0f, 0.0f};

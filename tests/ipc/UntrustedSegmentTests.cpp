@@ -59,7 +59,7 @@ void expectFound(Found expected, const std::string& what) {
 
 /// Each of these tests leaves the name free.
 class UntrustedSegment : public ::testing::Test {
-protected:
+public:
     UntrustedSegment() { test::removeSegment(); }
     ~UntrustedSegment() override { test::removeSegment(); }
 };

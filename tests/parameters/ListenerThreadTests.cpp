@@ -8,10 +8,10 @@
 #include <gtest/gtest.h>
 
 #include <pthread.h>
-#include <signal.h>
 
 #include <atomic>
 #include <chrono>
+#include <csignal>
 #include <cstdlib>
 #include <functional>
 #include <future>

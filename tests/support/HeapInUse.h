@@ -4,8 +4,10 @@
 #include <cstddef>
 
 #include <malloc.h>
+
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-#    include <sanitizer/allocator_interface.h>
+/// Of the sanitizers' runtime; the compiler comes without the header that declares it.
+extern "C" std::size_t __sanitizer_get_current_allocated_bytes();
 #endif
 
 namespace test {
