@@ -23,7 +23,7 @@ void require(bool done, const std::string& what) {
 void enterPrivateMounts() {
     // As root a mount namespace suffices; others need a user namespace around it.
     require(unshare(CLONE_NEWNS) == 0 || unshare(CLONE_NEWUSER | CLONE_NEWNS) == 0, "no mount namespace");
-    require(mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0, "mounts cannot be made private");
+    require(mount("none", "/", "none", MS_REC | MS_PRIVATE, nullptr) == 0, "mounts cannot be made private");
 }
 
 void coverFolder(const std::filesystem::path& folder, const std::string& options) {

@@ -6,7 +6,8 @@
 #include <sys/prctl.h>
 #include <ucontext.h>
 
-#if defined(__x86_64__) && !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
+#if defined(__x86_64__) && !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__) &&                \
+    !defined(KESTRUM_MEMCHECK)
 
 namespace {
 

@@ -109,6 +109,21 @@ TEST_F(OscPackets, ThatAreNoOscAreRefused) {
     EXPECT_TRUE(seen.empty());
 }
 
+// The library reads the length of a blob behind the end of a message that breaks off before it.
+TEST_F(OscPackets, WithABlobAreRefusedWholeAndInBundles) {
+    const std::string blob = Packets::padded("/a") + Packets::padded(",fb") + Packets::number(1);
+    const std::string wholeBlob = blob + Packets::bigEndian(4, 4) + "data";
+    for (const std::string& message : {blob, wholeBlob}) {
+        EXPECT_FALSE(parse(message));
+        EXPECT_FALSE(parse(Packets::bundle(1, {Packets::message("/yaw", 1), message})));
+        EXPECT_FALSE(parse(Packets::bundle(1, {Packets::bundle(1, {message})})));
+    }
+    EXPECT_TRUE(seen.empty());
+    EXPECT_TRUE(parse(Packets::message("/b", 1))) << "an address is no argument";
+    EXPECT_TRUE(parse(Packets::padded("/a") + Packets::padded(",s") + Packets::padded(",b")))
+        << "nor is a text";
+}
+
 // Seeded; the sanitizers watch. What still parses holds at most what was sent.
 TEST_F(OscPackets, WithAnyBytesChangedNeverReadOutsideThePacket) {
     std::mt19937 random(7);

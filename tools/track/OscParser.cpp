@@ -5,12 +5,15 @@
 
 #include <lo/lo.h>
 
+#include <cstddef>
 #include <cstdint>
 #include <cstring>
 #include <filesystem>
 #include <limits>
 #include <string>
+#include <string_view>
 #include <utility>
+#include <vector>
 
 #include <cstdlib>
 
@@ -43,6 +46,47 @@ double numberOf(char type, const lo_arg* argument) {
     default:
         return std::numeric_limits<double>::quiet_NaN();
     }
+}
+
+std::size_t bigEndian(std::string_view bytes) {
+    std::size_t number = 0;
+    for (const char byte : bytes)
+        number = number << 8 | static_cast<unsigned char>(byte);
+    return number;
+}
+
+/// Whether a message of the packet has a blob among its arguments. No tracker sends one, and the library (liblo 0.31) reads
+/// the length of a blob that the message breaks off before, beyond the end of its memory.
+bool holdsBlob(std::string_view packet) {
+    constexpr std::string_view bundleMark("#bundle\0", 8);
+    constexpr std::size_t bundleHeader = 16;
+    constexpr std::size_t sizeField = 4;
+    std::vector<std::string_view> parts{packet};
+    while (!parts.empty()) {
+        const std::string_view part = parts.back();
+        parts.pop_back();
+        if (part.starts_with(bundleMark)) {
+            for (std::size_t at = bundleHeader; at + sizeField <= part.size();) {
+                const std::size_t size = bigEndian(part.substr(at, sizeField));
+                at += sizeField;
+                parts.push_back(part.substr(at, size));
+                if (size > part.size() - at)
+                    break;
+                at += size;
+            }
+            continue;
+        }
+        const std::size_t addressLength = part.find('\0');
+        if (addressLength == std::string_view::npos)
+            continue;
+        const std::size_t typesBegin = (addressLength / 4 + 1) * 4; // padded to four bytes
+        if (typesBegin >= part.size())
+            continue;
+        const std::string_view types = part.substr(typesBegin);
+        if (types.substr(0, types.find('\0')).find(static_cast<char>(LO_BLOB)) != std::string_view::npos)
+            return true;
+    }
+    return false;
 }
 
 /// The library's object that dispatches is a server, and its UDP servers listen on every address. A local socket
@@ -97,6 +141,8 @@ OscParser::OscParser(Handler handler) : library(std::make_unique<Library>(std::m
 OscParser::~OscParser() = default;
 
 bool OscParser::parse(std::span<std::byte> packet) {
+    if (holdsBlob({reinterpret_cast<const char*>(packet.data()), packet.size()}))
+        return false;
     return lo_server_dispatch_data(library->server, packet.data(), packet.size()) > 0;
 }
 

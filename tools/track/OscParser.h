@@ -25,7 +25,7 @@ public:
     ~OscParser();
 
     /// @param packet a datagram of any content; its bytes may be swapped in place.
-    /// @return false when it is no OSC.
+    /// @return false when it is no OSC, or holds a blob, which is no direction.
     bool parse(std::span<std::byte> packet);
 
 private:
