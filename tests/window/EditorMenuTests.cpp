@@ -26,10 +26,16 @@ TEST_F(EditorMenus, TheArrowsStepThroughAllScenesAndWrapAtBothEnds) {
     setAndSend(opened.plugin(), "scene", scenes.front().name);
     opened.look();
     for (std::size_t step = 1; step <= scenes.size(); ++step) {
-        opened.act([](Person& person) { person.click(sceneNext.middle()); });
+        opened.act([](Person& person) {
+            person.click(sceneNext.middle());
+            person.waitForChange();
+        });
         EXPECT_EQ(text(opened.plugin(), "Scenes"), scenes[step % scenes.size()].name);
     }
-    opened.act([](Person& person) { person.click(scenePrevious.middle()); });
+    opened.act([](Person& person) {
+        person.click(scenePrevious.middle());
+        person.waitForChange();
+    });
     EXPECT_EQ(text(opened.plugin(), "Scenes"), scenes.back().name);
 }
 
