@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
-# kestrum_test(<name> SOURCES ... LINK ... [LABELS ...] [SERIAL] [TIMEOUT <seconds>])
+# kestrum_test(<name> SOURCES ... LINK ... [LABELS ...] [SERIAL] [TIMEOUT <seconds, 300>])
 # One GoogleTest program; every test case becomes a CTest entry "<name>.<Suite>.<Case>", under a sanitizer the whole
 # program "<name>": three thousand starts of a process that maps its shadow are minutes. SERIAL tests run
 # alone. Those that use the machine's one rotation segment get shared memory of their own: support/PrivateMemory.cpp.
@@ -24,6 +24,8 @@ function(kestrum_test name)
     endif()
     if(arg_TIMEOUT)
         list(APPEND properties TIMEOUT ${arg_TIMEOUT})
+    elseif(NOT KESTRUM_SANITIZER)
+        list(APPEND properties TIMEOUT 300) # a case that hangs is to be told of soon
     endif()
     if(KESTRUM_SANITIZER)
         add_test(NAME ${name} COMMAND ${name}_tests)

@@ -112,8 +112,10 @@ bool TrackProgram::readMore() {
 }
 
 bool TrackProgram::says(const std::string& text) {
+    // On a terminal it draws its line again and again, so there is always more to read.
+    const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(30);
     while (said.find(text) == std::string::npos)
-        if (!readMore())
+        if (std::chrono::steady_clock::now() > end || !readMore())
             return false;
     return true;
 }

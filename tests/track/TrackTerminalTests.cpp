@@ -14,6 +14,7 @@
 #include <filesystem>
 #include <fstream>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -122,8 +123,12 @@ TEST_F(OnATerminal, ThreePosesCalibrateASensorAndAreKept) {
         const Sender sender(program.oscPort());
         const Listener listener;
         program.press('c');
-        EXPECT_TRUE(program.says("Look straight ahead, then press space."));
-        for (const HeadAngles& pose : {HeadAngles{0, 0, 0}, HeadAngles{60, 0, 0}, HeadAngles{0, -40, 0}}) {
+        const std::pair<const char*, HeadAngles> poses[]{
+            {"Look straight ahead, then press space.", {0, 0, 0}},
+            {"Turn your head to the right", {60, 0, 0}},
+            {"Look straight ahead again, then down", {0, -40, 0}}};
+        for (const auto& [prompt, pose] : poses) {
+            EXPECT_TRUE(program.says(prompt)); // it looks at its keys now and then only
             const auto said = sensorSays(pose);
             const float raw = linkMatrix(rotationOf(pose) * mounting)[2];
             EXPECT_TRUE(becomesTrue([&] {
