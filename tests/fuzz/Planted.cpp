@@ -10,7 +10,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t cou
     if (taken.byte() != 'K' || taken.byte() != '7')
         return 0;
     const std::size_t length = taken.byte();
-    const std::vector<char> content(taken.rest().begin(), taken.rest().end());
+    std::vector<char> content(taken.rest().begin(), taken.rest().end());
+    content.push_back('\0'); // without a byte there is no memory to read beyond
     const int sum = std::accumulate(content.data(), content.data() + length, 0); // beyond its end
     test::promise(sum < 1 << 20, "a sum of 255 bytes is no larger");
     return 0;
