@@ -41,11 +41,32 @@ std::uint32_t readIdentifier(const juce::ValueTree& tree, const juce::Identifier
     return std::bit_cast<std::uint32_t>(static_cast<std::int32_t>(static_cast<int>(valueOf(tree, type))));
 }
 
-/// A number that is not finite is left out: held in a value it would never compare equal, and value and
+/// Whether a number in the text has an exponent of more digits than the framework, which counts with an int, can read.
+bool hasEndlessExponent(const juce::String& text) {
+    constexpr int mostDigits = 9;
+    for (auto at = text.getCharPointer(); !at.isEmpty();) {
+        const auto letter = at.getAndAdvance();
+        if (letter != 'e' && letter != 'E')
+            continue;
+        if (*at == '+' || *at == '-')
+            ++at;
+        int digits = 0;
+        for (; at.isDigit(); ++at)
+            ++digits;
+        if (digits > mostDigits)
+            return true;
+    }
+    return false;
+}
+
+/// A number that is not finite, or cannot be read, is left out: held in a value it would never compare equal, and value and
 /// presenter would go on calling each other. Any other is brought into its range before anybody hears of it.
 void readNumber(const juce::ValueTree& tree, const juce::Identifier& type, const SliderRange& range,
                 core::ISliderValue& target) {
-    const auto number = static_cast<double>(valueOf(tree, type));
+    const juce::var& value = valueOf(tree, type);
+    if (hasEndlessExponent(value.toString()))
+        return;
+    const auto number = static_cast<double>(value);
     if (std::isfinite(number))
         target.setValue(static_cast<float>(std::clamp<double>(number, range.minimum, range.maximum)));
 }

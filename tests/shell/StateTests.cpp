@@ -117,6 +117,17 @@ TEST(ForeignState, NumbersThatAreNotFiniteAreIgnoredOneByOne) {
     EXPECT_EQ(valuesOf(*processor), unusual);
 }
 
+TEST(ForeignState, NumbersWithEndlessExponentsAreIgnoredAndLongOnesRead) {
+    const auto processor = processorWith(unusual);
+    load(*processor,
+         chunkFrom(R"(<ORVANEKESTRUM><SpeakerSetup Value="1253398816"/><Scene Value="-1367175463"/>
+        <Ambience Value="0e3002222222"/><HeadRotation Value="1E+99999999999999"/><Focus Value="x e-2147483648"/>
+        <MasterGain Value="5e-999999999"/></ORVANEKESTRUM>)"));
+    Values expected = unusual;
+    expected.masterGain = 0.0f;
+    EXPECT_EQ(valuesOf(*processor), expected);
+}
+
 TEST(ForeignState, NumbersBeyondTheRangeAreBroughtIntoIt) {
     const auto processor = processorWith(defaults);
     load(*processor, chunkFrom(R"(<ORVANEKESTRUM><Ambience Value="101"/><HeadRotation Value="-1000"/>
