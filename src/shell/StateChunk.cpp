@@ -50,11 +50,18 @@ bool isClosed(std::string_view text) noexcept {
     return last != std::string_view::npos && text[last] == '>';
 }
 
-/// Whether each "&#" is followed by a number and its semicolon.
+/// Whether each "&" begins a number with its semicolon, or one of the five names that need no declaration. The reader takes what
+/// another name stands for apart as if it were a document, and walks past its end.
 bool referencesEnd(std::string_view text) noexcept {
     constexpr std::string_view hexadecimal = "0123456789abcdefABCDEF";
-    for (std::size_t at = text.find("&#"); at != std::string_view::npos; at = text.find("&#", at)) {
-        at += 2;
+    constexpr std::string_view names[]{"amp;", "quot;", "apos;", "lt;", "gt;"};
+    for (std::size_t at = text.find('&'); at != std::string_view::npos; at = text.find('&', at)) {
+        const std::string_view rest = text.substr(++at);
+        if (std::ranges::any_of(names, [rest](std::string_view name) { return rest.starts_with(name); }))
+            continue;
+        if (!rest.starts_with('#'))
+            return false;
+        ++at;
         if (at < text.size() && (text[at] == 'x' || text[at] == 'X'))
             ++at;
         const std::size_t end = text.find_first_not_of(hexadecimal, at);

@@ -99,6 +99,14 @@ TEST(TextOfAState, IsUtf8ToTheLastByte) {
         EXPECT_FALSE(accepted(bad)) << testing::PrintToString(bad);
 }
 
+TEST(TextOfAState, NamesNoEntityThatNeedsADeclaration) {
+    for (const std::string good :
+         {"&amp;", "&quot;", "&apos;", "&lt;", "&gt;", "&#65;", "&#x41;", "&lt;&gt;"})
+        EXPECT_TRUE(readable(chunkFrom("<A B=\"" + good + "\"/>"))) << good;
+    for (const std::string bad : {"&", "&;", "&a;", "&nbsp;", "&amp", "&<A>;", "&lt;&gt", "&amp;&a;"})
+        EXPECT_FALSE(readable(chunkFrom("<A B=\"" + bad + "\"/>"))) << bad;
+}
+
 TEST(TextOfAState, HasTheLengthThatItsHeaderTells) {
     const auto chunk = chunkFrom(std::string(whole));
     ASSERT_TRUE(readable(chunk));
@@ -185,7 +193,8 @@ juce::MemoryBlock entities(std::mt19937& generator) {
 
 /// The framework reads on behind the end of the text.
 juce::MemoryBlock openReference(std::mt19937& generator) {
-    constexpr std::string_view faults[]{"&#", "&#x", "&#x4", "&#4", "&#x4G;", "&#;", "&#x;", "&#X"};
+    constexpr std::string_view faults[]{"&#",   "&#x", "&#x4", "&#4", "&#x4G;",  "&#;",
+                                        "&#x;", "&#X", "&",    "&am", "&<a><b;", "&name;"};
     std::string text(whole.substr(0, generator() % whole.size()));
     return chunkFrom(text + std::string(faults[generator() % std::size(faults)]));
 }
