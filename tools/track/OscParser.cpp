@@ -55,6 +55,18 @@ std::size_t bigEndian(std::string_view bytes) {
     return number;
 }
 
+/// The types of a message's arguments; empty where the message breaks off before them.
+std::string_view typesOf(std::string_view message) {
+    const std::size_t addressLength = message.find('\0');
+    if (addressLength == std::string_view::npos)
+        return {};
+    const std::size_t begin = (addressLength / 4 + 1) * 4; // padded to four bytes
+    if (begin >= message.size())
+        return {};
+    const std::string_view types = message.substr(begin);
+    return types.substr(0, types.find('\0'));
+}
+
 /// Whether a message of the packet has a blob among its arguments. No tracker sends one, and the library (liblo 0.31) reads
 /// the length of a blob that the message breaks off before, beyond the end of its memory.
 bool holdsBlob(std::string_view packet) {
@@ -76,14 +88,7 @@ bool holdsBlob(std::string_view packet) {
             }
             continue;
         }
-        const std::size_t addressLength = part.find('\0');
-        if (addressLength == std::string_view::npos)
-            continue;
-        const std::size_t typesBegin = (addressLength / 4 + 1) * 4; // padded to four bytes
-        if (typesBegin >= part.size())
-            continue;
-        const std::string_view types = part.substr(typesBegin);
-        if (types.substr(0, types.find('\0')).find(static_cast<char>(LO_BLOB)) != std::string_view::npos)
+        if (typesOf(part).find(static_cast<char>(LO_BLOB)) != std::string_view::npos)
             return true;
     }
     return false;
