@@ -11,6 +11,9 @@
 #include <cstdint>
 #include <iostream>
 #include <random>
+#include <string>
+
+#include <sys/resource.h>
 
 namespace {
 
@@ -125,6 +128,27 @@ TEST(ForeignState, NumbersWithEndlessExponentsAreIgnoredAndLongOnesRead) {
         <MasterGain Value="5e-999999999"/></ORVANEKESTRUM>)"));
     Values expected = unusual;
     expected.masterGain = 0.0f;
+    EXPECT_EQ(valuesOf(*processor), expected);
+}
+
+/// To the framework, such an attribute is a count of bytes and the bytes.
+TEST(ForeignState, AnAttributeThatTellsOfGigabytesIsTakenForNoValueAndTakesNoMemory) {
+    const auto mostMegabytesSoFar = [] {
+        rusage usage{};
+        getrusage(RUSAGE_SELF, &usage);
+        return usage.ru_maxrss / 1024;
+    };
+    const auto processor = processorWith(unusual);
+    const auto before = mostMegabytesSoFar();
+    for (const std::string count : {"1000000000", "2147483647", "99999999999", "-179"})
+        load(*processor,
+             chunkFrom(R"(<ORVANEKESTRUM><SpeakerSetup Value="1253398816"/><Scene Value="-1367175463"/>
+            <Ambience base64:Value=")" +
+                       count + R"(.4"/><HeadRotation Value="-179"/><Focus Value="-41"/>
+            <MasterGain Value="24"/></ORVANEKESTRUM>)"));
+    EXPECT_LT(mostMegabytesSoFar() - before, 100);
+    Values expected = unusual;
+    expected.ambience = 0.0f;
     EXPECT_EQ(valuesOf(*processor), expected);
 }
 
