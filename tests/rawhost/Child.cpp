@@ -17,6 +17,9 @@ namespace rawhost {
 
 namespace {
 
+/// Behind what a body has to say: without it the process has ended before its body.
+constexpr char endMark = '\0';
+
 [[noreturn]] void fail(const char* what) { throw std::system_error(errno, std::generic_category(), what); }
 
 void writeAll(int file, const std::string& text) {
@@ -41,7 +44,7 @@ void writeAll(int file, const std::string& text) {
         text = error.what();
     }
     std::fflush(nullptr);
-    writeAll(report, text);
+    writeAll(report, text + endMark);
     _exit(0); // nothing of the test program's own is to be torn down twice
 }
 
@@ -64,13 +67,13 @@ bool readAll(int file, std::string& text, std::chrono::steady_clock::time_point 
     }
 }
 
-std::string endOf(int status) {
+std::string endOf(int status, bool reported) {
     if (WIFSIGNALED(status))
         return "ended by signal " + std::to_string(WTERMSIG(status)) + " (" + strsignal(WTERMSIG(status)) +
                ")";
     if (WEXITSTATUS(status) != 0)
         return "ended with exit status " + std::to_string(WEXITSTATUS(status));
-    return {};
+    return reported ? "" : "ended before its body did";
 }
 
 } // namespace
@@ -96,8 +99,11 @@ std::string inChild(const std::function<std::string()>& body, std::chrono::secon
     int status = 0;
     while (waitpid(child, &status, 0) < 0 && errno == EINTR) {
     }
+    const bool reported = text.ends_with(endMark);
+    if (reported)
+        text.pop_back();
     return text +
-           (ended ? endOf(status) : "hung: no end within " + std::to_string(guard.count()) + " seconds");
+           (ended ? endOf(status, reported) : "hung: no end within " + std::to_string(guard.count()) + " seconds");
 }
 
 } // namespace rawhost

@@ -48,6 +48,7 @@ TEST(Children, TellACrashAndAnEndAsSuch) {
                 }),
                 StartsWith("ended by signal 11"));
     EXPECT_EQ(inChild([]() -> std::string { _exit(3); }), "ended with exit status 3");
+    EXPECT_EQ(inChild([]() -> std::string { _exit(0); }), "ended before its body did");
 }
 
 TEST(Children, TellAHangAndEndIt) {
