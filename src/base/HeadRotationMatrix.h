@@ -2,6 +2,8 @@
 #pragma once
 
 #include <array>
+#include <cmath>
+#include <cstddef>
 
 namespace orvane {
 
@@ -17,5 +19,16 @@ namespace orvane {
 using HeadRotationMatrix = std::array<float, 16>;
 
 inline constexpr HeadRotationMatrix identityRotation{1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1};
+
+/// Whether the scene can be turned by a matrix that comes from outside: everything of it that is read, columns 0 to 2, is a
+/// number, and none so large that a point of the scene would leave what distances and delays are computed in. A turn has
+/// elements up to 1; the bound leaves room for any scale and translation that might be meant.
+inline bool canTurnTheScene(const HeadRotationMatrix& matrix) noexcept {
+    constexpr float largest = 1000.0f;
+    bool can = true;
+    for (std::size_t index = 0; index < matrix.size(); ++index)
+        can = can && (index % 4 == 3 || std::abs(matrix[index]) <= largest); // false for what is no number
+    return can;
+}
 
 } // namespace orvane

@@ -42,18 +42,21 @@ void SliderParameterPresenter::valueChanged() {
 }
 
 void SliderParameterPresenter::parameterValueChanged(int, float newValue) {
-    if (!std::isfinite(newValue)) {
+    const float held = parameter->get(); // another thread may have written since the new value was
+    if (!std::isfinite(newValue) || !std::isfinite(held)) {
         // The parameter has taken the nonsense in; what it stands for has not.
         parameter->setValueNotifyingHost(normalised(value->getValue()));
         return;
     }
-    currentValue.exchange(parameter->get());
+    currentValue.exchange(held);
     value->setValue(currentValue);
 }
 
+/// Always a number, so that the parameter is not called about nonsense again and again.
 float SliderParameterPresenter::normalised(float unnormalised) const noexcept {
     const auto& range = parameter->range;
-    return range.convertTo0to1(std::clamp(unnormalised, range.start, range.end));
+    const float number = std::isfinite(unnormalised) ? unnormalised : 0.0f;
+    return range.convertTo0to1(std::clamp(number, range.start, range.end));
 }
 
 } // namespace orvane::kestrum

@@ -11,7 +11,8 @@
 namespace orvane::kestrum::core {
 
 /// A parameter set whose head rotation comes from the tracker while that is active, and else from the user's
-/// dial. The choice is made at every query, so it needs no notification.
+/// dial. The choice is made at every query, so it needs no notification. A matrix that cannot turn the scene is not
+/// followed: whoever may write into the link could end the host by one that holds no numbers.
 ///
 /// Thread  getHeadRotation() from any thread: it keeps no state. While another process writes its matrix, a
 ///         query spins for the length of that copy.
@@ -29,8 +30,11 @@ public:
           parameterClient(std::move(parameterClient)) {}
 
     HeadRotationMatrix getHeadRotation() const noexcept override {
-        if (parameterClient->getHeadRotationClient().isActive())
-            return parameterClient->getHeadRotationClient().getRotation();
+        if (parameterClient->getHeadRotationClient().isActive()) {
+            const HeadRotationMatrix tracked = parameterClient->getHeadRotationClient().getRotation();
+            if (canTurnTheScene(tracked))
+                return tracked;
+        }
         return azimuthRotation.getRotation();
     }
 

@@ -180,6 +180,27 @@ TEST(SliderParameter, WhatIsNoNumberIsIgnoredAndTheParameterShowsTheOldValueAgai
     }
 }
 
+/// From a tracker, for one: the value itself is no number, and would be written and called about for ever.
+TEST(SliderParameter, AValueThatIsNoNumberBecomesZeroAndTheParameterToo) {
+    Slider slider(5.0f, -10.0f, 10.0f, 1.0f);
+    for (const float nonsense : {quietNan, infinity, -infinity}) {
+        slider.value.setValue(5.0f);
+        slider.value.setValue(nonsense);
+        EXPECT_EQ(slider.value.getValue(), 0.0f) << nonsense;
+        EXPECT_EQ(shown(slider), 0.0f) << nonsense;
+    }
+}
+
+/// A second thread writes nonsense between a first one's write and the call about it.
+TEST(SliderParameter, NonsenseThatComesWhileAnotherWriteIsToldOfIsIgnored) {
+    Slider slider(5.0f, 0.0f, 10.0f, 1.0f);
+    juce::AudioProcessorParameter& parameter = *slider.parameter;
+    parameter.setValue(quietNan);
+    parameter.sendValueChangedMessageToListeners(0.7f);
+    EXPECT_EQ(slider.value.getValue(), 5.0f);
+    EXPECT_EQ(shown(slider), 5.0f);
+}
+
 class GestureCounter final : public juce::AudioProcessorParameter::Listener {
 public:
     void parameterValueChanged(int, float) override { ++changes; }

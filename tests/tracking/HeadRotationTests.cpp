@@ -8,10 +8,12 @@
 #include "parameters/core/SliderValue.h"
 #include "parameters/core/SpeakerParameterSetView.h"
 #include "support/RealtimeScope.h"
+#include "support/StandInTracker.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <array>
 #include <atomic>
 #include <cmath>
 #include <cstring>
@@ -103,24 +105,12 @@ TEST(AzimuthRotation, TurnsEverySourceAgainstTheHead) {
     }
 }
 
-/// A link that answers what the test says.
-struct FakeLink final : OrvaneIPC::IOrvaneParameterClient, OrvaneIPC::IHeadRotationClient {
-    bool isConnected() const noexcept override { return true; }
-    OrvaneIPC::IHeadRotationClient& getHeadRotationClient() noexcept override { return *this; }
-    bool isActive() const noexcept override { return active; }
-    HeadRotationMatrix getRotation() const noexcept override { return matrix; }
-
-    std::atomic<bool> active{false};
-    HeadRotationMatrix matrix{0, 0, -1, 0, 0,    1, 0, 0,
-                              1, 0, 0,  0, 0.5f, 0, 0, 1}; ///< ahead goes to the right
-};
-
 class HeadRotationSource : public ::testing::Test {
 protected:
     using Set = HeadRotationSupported<ParameterSet>;
 
     AtomicSlider dial{0.0f};
-    FakeLink* link = new FakeLink;
+    test::StandInTracker* link = new test::StandInTracker;
     Set set{std::make_unique<orvane::ParameterSet>(), &dial,
             std::unique_ptr<OrvaneIPC::IOrvaneParameterClient>(link)};
     const orvane::ISpatialParameterSetView& view = set;
@@ -142,6 +132,41 @@ TEST_F(HeadRotationSource, IsTheLinkWhileThatIsActiveAndChangesAtTheNextQuery) {
     EXPECT_TRUE(sameBytes(view.getHeadRotation(), link->matrix));
     link->active = false;
     EXPECT_TRUE(sameBytes(view.getHeadRotation(), AzimuthRotationClient(&dial).getRotation()));
+}
+
+/// What anybody may have written into the segment, element by element; those of column 3 are never read.
+TEST_F(HeadRotationSource, IsTheDialWhereTheLinksMatrixCannotTurnTheScene) {
+    dial.setValue(90.0f);
+    link->active = true;
+    const HeadRotationMatrix sound = link->matrix;
+    for (const float fault :
+         {std::nanf(""), -std::nanf(""), HUGE_VALF, -HUGE_VALF, 1000.1f, -1000.1f, -3e38f})
+        for (std::size_t element = 0; element < sound.size(); ++element) {
+            link->matrix = sound;
+            link->matrix[element] = fault;
+            const HeadRotationMatrix expected =
+                element % 4 == 3 ? link->matrix : AzimuthRotationClient(&dial).getRotation();
+            EXPECT_TRUE(sameBytes(view.getHeadRotation(), expected)) << fault << " at " << element;
+        }
+    link->matrix = sound;
+    EXPECT_TRUE(sameBytes(view.getHeadRotation(), sound)) << "and followed again once it can";
+}
+
+// Property: whatever is followed leaves every point a number.
+TEST(TrackedPositions, AreNumbersForEveryMatrixThatIsFollowed) {
+    std::mt19937 random(5);
+    constexpr std::array values{0.0f, -0.0f, 1.0f, -1.0f, 1000.0f, -1000.0f, 1e-38f, 1e-45f, 0.5f};
+    for (int round = 0; round < 20000; ++round) {
+        HeadRotationMatrix matrix{};
+        for (float& element : matrix)
+            element = values[random() % values.size()];
+        ASSERT_TRUE(orvane::canTurnTheScene(matrix));
+        SpatialPosition position(10.0f, 20.0f, 50.0f);
+        position.rotate(matrix);
+        ASSERT_TRUE(position.azimuth >= -180.0f && position.azimuth <= 180.0f) << position.azimuth;
+        ASSERT_TRUE(position.elevation >= -90.0f && position.elevation <= 90.0f) << position.elevation;
+        ASSERT_TRUE(position.distance >= 0.0f && position.distance < 1e6f) << position.distance;
+    }
 }
 
 TEST_F(HeadRotationSource, ReachesEveryLoudspeakersView) {
