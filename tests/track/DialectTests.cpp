@@ -164,6 +164,28 @@ TEST(HostileMessages, AreNoDirection) {
     EXPECT_FALSE(readOnce("/quaternion", {0, 0, 0, 0}));
 }
 
+/// Numbers of radians that are none in degrees; an angle that was told before stays.
+TEST(HostileMessages, ThatAreTooLargeForTheirUnitAreNoDirection) {
+    const double largest = std::numeric_limits<double>::max();
+    for (const Expected& row : expected) {
+        const Dialect& dialect = *findDialect(row.address);
+        for (const double value : {largest, -largest, 1e308}) {
+            const auto& values = !row.turnedRight.empty() ? row.turnedRight
+                                 : !row.lookingUp.empty() ? row.lookingUp
+                                                          : row.tiltedRight;
+            for (std::size_t index = 0; index < values.size(); ++index) {
+                auto broken = values;
+                broken[index] = value;
+                const auto read = readOnce(row.address, broken);
+                EXPECT_TRUE(!read || normalised(*read)) << row.address << " at " << index;
+                if (dialect.axes == Axes::none && dialect.degreesPerUnit > 1) {
+                    EXPECT_FALSE(read) << row.address << " at " << index;
+                }
+            }
+        }
+    }
+}
+
 TEST(HostileMessages, ThatAreFiniteGiveAFiniteRotation) {
     const auto read = readOnce("/ypr", {1e300, -1e300, 12345678});
     ASSERT_TRUE(read);

@@ -277,12 +277,14 @@ std::optional<Rotation> DialectReader::readAngles(const Dialect& dialect, const 
     const Places places = placesOf(dialect.arguments);
     if (values.size() != places.count)
         return std::nullopt;
+    const auto inDegrees = [&](double value) { return value * dialect.degreesPerUnit; };
+    if (!std::ranges::all_of(values, [&](double value) { return std::isfinite(inDegrees(value)); }))
+        return std::nullopt; // the largest numbers of radians are beyond all numbers of degrees
     HeadAngles fresh;
     HeadAngles& angles = places.count == 1 ? heldAngles(sender) : fresh;
     const auto take = [&](double& angle, int place, int sign) {
         if (place >= 0)
-            angle =
-                std::remainder(sign * values[static_cast<std::size_t>(place)] * dialect.degreesPerUnit, 360);
+            angle = std::remainder(sign * inDegrees(values[static_cast<std::size_t>(place)]), 360);
     };
     take(angles.yaw, places.yaw, dialect.signs[0]);
     take(angles.pitch, places.pitch, dialect.signs[1]);
