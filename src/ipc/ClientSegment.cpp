@@ -8,6 +8,7 @@
 
 #include <fcntl.h>
 #include <sys/mman.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace OrvaneIPC {
@@ -32,7 +33,8 @@ public:
 
 std::optional<ClientSegment> ClientSegment::open(const char* name) {
     const Descriptor descriptor(shm_open(("/" + std::string(name)).c_str(), O_RDWR, 0));
-    if (descriptor.number < 0)
+    struct stat facts {};
+    if (descriptor.number < 0 || fstat(descriptor.number, &facts) != 0 || !isOfTheUsersOwn(facts, geteuid()))
         return std::nullopt;
     const auto proven = proveSegment(descriptor.number);
     if (!proven)

@@ -213,6 +213,10 @@ std::optional<std::vector<std::byte>> privateCopy(int descriptor) {
 
 } // namespace
 
+bool isOfTheUsersOwn(const struct stat& facts, uid_t user) noexcept {
+    return (facts.st_uid == user || facts.st_uid == 0) && (facts.st_mode & (S_IWGRP | S_IWOTH)) == 0;
+}
+
 std::optional<ProvenSegment> proveSegmentCopy(std::span<const std::byte> copy) {
     if (copy.size() != segmentSize)
         return std::nullopt;

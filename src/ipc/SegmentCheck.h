@@ -5,7 +5,15 @@
 #include <optional>
 #include <span>
 
+#include <sys/stat.h>
+
 namespace OrvaneIPC {
+
+/// Whether a segment is the user's own or root's, and nobody else may write to it. Everybody may lay a file under the segment's
+/// name; whoever can write to it can hold its lock for ever or cut it short, and so stop or end the hosts that read it.
+///
+/// @param facts of the open segment: whoever owns it may change its mode any time, so the mode alone proves nothing.
+bool isOfTheUsersOwn(const struct stat& facts, uid_t user) noexcept;
 
 /// What a segment holds whose sizes, pointers and names were found to be sound.
 struct ProvenSegment {

@@ -102,6 +102,13 @@ TEST_F(TrackerFindings, AStatusFileOfSomebodyElseIsNoStatus) {
     EXPECT_THAT(checkTracker(places), ElementsAre(test::Found(Verdict::note, "not active")));
 }
 
+TEST_F(TrackerFindings, ASegmentThatOthersMayWriteToIsTold) {
+    startServer().active = 1;
+    fs::permissions(file(), fs::perms(0666));
+    EXPECT_THAT(checkTracker(places),
+                ElementsAre(test::Found(Verdict::fault, "others may write to it", "sudo rm ")));
+}
+
 TEST_F(TrackerFindings, AnInstanceWithoutThisSegmentIsNamed) {
     startServer().active = 1;
     write(places.below("/proc/100/comm"), "ardour\n");

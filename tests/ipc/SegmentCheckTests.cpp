@@ -58,6 +58,25 @@ TEST(SegmentCheck, FindsTheRecordOfAServerWhereTheLibraryFindsIt) {
     EXPECT_TRUE(prove(served)->record.has_value());
 }
 
+TEST(SegmentOwner, IsTheUserOrRootAndNobodyElseMayWrite) {
+    constexpr uid_t user = 1000;
+    const auto trusted = [](uid_t owner, mode_t mode) {
+        struct stat facts {};
+        facts.st_uid = owner;
+        facts.st_mode = S_IFREG | mode;
+        return OrvaneIPC::isOfTheUsersOwn(facts, user);
+    };
+    for (const mode_t mode : {0644u, 0600u, 0755u, 0400u}) {
+        EXPECT_TRUE(trusted(user, mode)) << mode;
+        EXPECT_TRUE(trusted(0, mode)) << mode;
+        EXPECT_FALSE(trusted(user + 1, mode)) << mode;
+    }
+    for (const mode_t mode : {0666u, 0664u, 0646u, 0620u, 0602u, 0777u}) {
+        EXPECT_FALSE(trusted(user, mode)) << mode;
+        EXPECT_FALSE(trusted(0, mode)) << mode;
+    }
+}
+
 TEST(SegmentCheck, FindsNoRecordWhereThereIsNone) {
     const std::string empty = test::segmentWith([](auto&) {});
     expectAgreement(empty);

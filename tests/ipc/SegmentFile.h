@@ -32,6 +32,7 @@ inline void writeSegment(const std::string& bytes) {
     stream << bytes;
     if (!stream.flush())
         throw std::runtime_error("cannot write the segment");
+    std::filesystem::permissions(segmentFile, std::filesystem::perms(0644)); // as its library makes it
 }
 
 /// What is left of a segment into which `fill` has put objects.

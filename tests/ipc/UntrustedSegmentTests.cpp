@@ -93,6 +93,21 @@ TEST_F(UntrustedSegment, WhatIsNoFileCountsAsAbsent) {
     expectFound(nothing, "link to itself");
 }
 
+/// Whoever may write to it can stop the host by its lock, or end it.
+TEST_F(UntrustedSegment, OneThatOthersMayWriteOrOwnCountsAsAbsent) {
+    test::writeSegment(test::servedSegment());
+    for (const mode_t mode : {0666u, 0664u, 0646u, 0777u}) {
+        ASSERT_EQ(chmod(test::segmentFile.c_str(), mode), 0);
+        expectFound(nothing, "mode " + std::to_string(mode));
+    }
+    ASSERT_EQ(chmod(test::segmentFile.c_str(), 0600), 0);
+    expectFound(record, "the user's own");
+    if (getuid() == 0) { // who alone can give it away, and opens it nevertheless
+        ASSERT_EQ(chown(test::segmentFile.c_str(), 65534, 65534), 0);
+        expectFound(nothing, "another's");
+    }
+}
+
 TEST_F(UntrustedSegment, OneThatTheUserMayNotWriteCountsAsAbsent) {
     if (getuid() != 0)
         GTEST_SKIP() << "Only root can become somebody else.";

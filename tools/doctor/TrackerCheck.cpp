@@ -44,6 +44,11 @@ Finding unusable(const SegmentState& state, const Places& places) {
                 "You may not read and write " + path +
                     ", so the plug-in does not see the tracker: it runs as somebody else.",
                 "sudo rm " + segmentPath(places) + "   # then start the tracker as yourself"};
+    case SegmentState::Kind::foreign:
+        return {subject, Verdict::fault,
+                path + " belongs to somebody else, or others may write to it, who could stop your host: "
+                       "instances do without.",
+                "sudo rm " + segmentPath(places) + "   # then start the tracker as yourself"};
     case SegmentState::Kind::wrongSize:
         return {subject, Verdict::fault,
                 path + " has " + std::to_string(state.size) +

@@ -119,6 +119,8 @@ SegmentState fromOutside(const fs::path& file, uid_t user) {
     state.held = isHeld(file);
     if (user != 0 && !mayUse(file, user, 6U))
         state.kind = SegmentState::Kind::closed;
+    else if (!OrvaneIPC::isOfTheUsersOwn(facts, user))
+        state.kind = SegmentState::Kind::foreign;
     else if (!S_ISREG(facts.st_mode) || state.size != OrvaneIPC::segmentSize)
         state.kind = SegmentState::Kind::wrongSize;
     else

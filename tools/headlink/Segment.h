@@ -14,6 +14,7 @@ struct SegmentState {
     enum class Kind {
         missing,
         closed,    ///< The user may not read and write it, as the plug-in has to.
+        foreign,   ///< Somebody else's, or others may write to it: the plug-in takes it for missing.
         wrongSize, ///< Not made by the link's server.
         damaged,   ///< Not finished, or not what its library makes: the plug-in takes it for missing.
         noRecord,  ///< A sound segment of something else.
