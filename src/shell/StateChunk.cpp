@@ -43,11 +43,12 @@ bool isUtf8(Bytes text) noexcept {
     return true;
 }
 
-/// Whether the last thing in the text is a tag: the reader fills up what has been broken off.
+/// Whether the last thing in the text is a tag, and no zero stands before it, which ends the text for the reader: it fills up what
+/// has been broken off.
 bool isClosed(std::string_view text) noexcept {
     constexpr std::string_view blank(" \t\r\n\0", 5);
     const std::size_t last = text.find_last_not_of(blank);
-    return last != std::string_view::npos && text[last] == '>';
+    return last != std::string_view::npos && text[last] == '>' && text.find('\0') > last;
 }
 
 /// Whether each "&" begins a number with its semicolon, or one of the five names that need no declaration. The reader takes what
