@@ -127,13 +127,13 @@ void Processor::updateRenderingParameters() {
 
 void Processor::prepareToPlay(double newSampleRate, int maximumBlockSize) {
     sampleRate = newSampleRate;
-    blockSize = maximumBlockSize;
     setLatencySamples(nextPowerOfTwo(maximumBlockSize));
     try {
         hrir->load(wholeHertz(sampleRate), dataDirectory());
         // A restored session has not gone through a crossfade, which would have pushed these.
         updateRenderingParameters();
-        engineManager->prepare(static_cast<std::uint64_t>(std::max(blockSize, 0)), sampleRate);
+        engineManager->prepare(static_cast<std::uint64_t>(std::max(maximumBlockSize, 0)), sampleRate);
+        announcedBlockSize = maximumBlockSize;
         prepared.exchange(true);
         errorOccurred.exchange(false);
     } catch (...) {
@@ -153,6 +153,21 @@ void Processor::processBlock(juce::AudioBuffer<float>& buffer, juce::MidiBuffer&
         return;
     }
     const juce::ScopedNoDenormals noDenormals; // flush-to-zero and denormals-are-zero, until the block ends
+    // A block that is longer than announced comes in pieces: the engine holds no more than that, and would leave the rest of
+    // the buffer as it is, which is the unrendered input.
+    const int announced = std::max(announcedBlockSize.load(), 1);
+    if (buffer.getNumSamples() <= announced) {
+        renderBlock(buffer);
+        return;
+    }
+    for (int first = 0; first < buffer.getNumSamples(); first += announced) {
+        juce::AudioBuffer<float> piece(buffer.getArrayOfWritePointers(), buffer.getNumChannels(), first,
+                                       std::min(announced, buffer.getNumSamples() - first));
+        renderBlock(piece);
+    }
+}
+
+void Processor::renderBlock(juce::AudioBuffer<float>& buffer) {
     float* const* const channels = buffer.getArrayOfWritePointers(); // marks the buffer as not clear
     const auto channelCount = static_cast<std::uint64_t>(buffer.getNumChannels());
     const auto frameCount = static_cast<std::uint64_t>(buffer.getNumSamples());

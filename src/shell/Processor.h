@@ -97,6 +97,8 @@ private:
     void addPresenters();
     void updateRenderingParameters();
     void followBus();
+    /// @param buffer no longer than announced; rendered in place.
+    void renderBlock(juce::AudioBuffer<float>& buffer);
 
     juce::String name;
     BrevikPluginTools::BrevikTool brevikTool; ///< Gives each editor its help toolbar.
@@ -111,7 +113,7 @@ private:
     std::atomic<bool> errorOccurred{false};
     IHrir* hrir;
     double sampleRate = 0.0;
-    int blockSize = 0;
+    std::atomic<int> announcedBlockSize{0}; ///< That of the last preparation that succeeded.
     OrvaneIPC::IOrvaneParameterClient* parameterClient; ///< Owned by the parameter set.
     std::function<std::string()> dataDirectory;
     std::unique_ptr<core::IParameterSet> parameterSet;

@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// Faults of a host: samples that are no sound, rates and block sizes that nobody serves. Whatever comes in, what goes out is
-// finite, and the next sound is as if nothing had been.
+// Faults of a host, and of a tracker: samples that are no sound, rates and block sizes that nobody serves, matrices that turn
+// nothing. Whatever comes in, what goes out is finite, and the next sound is as if nothing had been.
 #include "TestDataFolder.h"
 #include "TestProcessor.h"
+
+#include "support/StandInTracker.h"
 
 #include <gtest/gtest.h>
 
@@ -21,8 +23,10 @@ constexpr double rate = 48000.0;
 constexpr int blockSize = 64;
 
 /// Late reverb, reflections and low-frequency channel: all that could keep a fault.
-std::unique_ptr<Processor> fullProcessor() {
-    auto processor = test::makeProcessor([] { return test::TestDataFolder::filled().path(); });
+std::unique_ptr<Processor>
+fullProcessor(std::unique_ptr<OrvaneIPC::IOrvaneParameterClient> tracker = nullptr) {
+    auto processor = test::makeProcessor([] { return test::TestDataFolder::filled().path(); }, nullptr,
+                                         std::move(tracker));
     EXPECT_TRUE(test::setInputs(*processor, 6));
     test::choose(*processor, "Speaker Layouts", "5.1 ITU");
     test::choose(*processor, "Scenes", "Kitchen");
@@ -153,6 +157,48 @@ TEST(ServedRates, AreFiniteInBlocksOfEverySize) {
             EXPECT_GT(loudest(heard), 0.01f) << size;
             EXPECT_TRUE(allFinite(heard)) << size;
         }
+    }
+}
+
+/// Against the announcement. Reference: the same sound in blocks as announced.
+TEST(LongerBlocks, ThanAnnouncedSoundLikeThePiecesThatTheyAreMadeOf) {
+    const auto processor = fullProcessor();
+    const auto input = test::noiseBuffer(6, 5000, 2);
+    const auto expected = renderFresh(*processor, input);
+    EXPECT_GT(loudest(expected), 0.01f);
+    for (const int size : {blockSize + 1, 100, 2 * blockSize, 3 * blockSize - 1, 1000, 5000}) {
+        processor->prepareToPlay(rate, blockSize);
+        EXPECT_EQ(test::render(*processor, input, std::array{size}), expected) << size;
+    }
+}
+
+/// Whatever a tracker's matrix holds, at rest and while the Scene is built anew from it.
+TEST(FaultyTrackers, LeaveTheSoundFiniteAndNothingBehind) {
+    auto owned = std::make_unique<test::StandInTracker>();
+    test::StandInTracker& tracker = *owned;
+    const auto processor = fullProcessor(std::move(owned));
+    constexpr std::array values{0.0f,      1.0f,  -1.0f,  1e-38f,           1000.0f,
+                                -1000.0f, 3e38f, -1e30f, HUGE_VALF, -HUGE_VALF,
+                                std::numeric_limits<float>::quiet_NaN()};
+    const auto input = test::noiseBuffer(6, 4 * blockSize, 2);
+    std::mt19937 random(8);
+    for (const char* scene : {"Kitchen", "Stadium", "Mix Room", "Analytic Dry"}) {
+        test::choose(*processor, "Scenes", scene);
+        tracker.active = false;
+        const auto expected = renderFresh(*processor, input);
+        EXPECT_GT(loudest(expected), 0.01f) << scene;
+        for (int round = 0; round < 200; ++round) {
+            const std::size_t few = round % 2 == 0 ? values.size() - 5 : values.size(); // those that are followed
+            for (float& element : tracker.matrix)
+                element = values[random() % few];
+            tracker.active = true;
+            if (round % 20 == 0)
+                processor->prepareToPlay(rate, blockSize);
+            ASSERT_TRUE(allFinite(test::render(*processor, input, std::array{blockSize})))
+                << scene << ' ' << round;
+        }
+        tracker.active = false;
+        EXPECT_EQ(renderFresh(*processor, input), expected) << scene;
     }
 }
 

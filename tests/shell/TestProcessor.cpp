@@ -46,18 +46,22 @@ orvane::IHrir* sharedStore() {
 }
 
 std::unique_ptr<Processor> assemble(std::unique_ptr<core::IComponentFactory> components, orvane::IHrir* hrir,
-                                    std::function<std::string()> dataDirectory) {
+                                    std::function<std::string()> dataDirectory,
+                                    std::unique_ptr<OrvaneIPC::IOrvaneParameterClient> tracker = nullptr) {
+    if (tracker == nullptr)
+        tracker = std::make_unique<NoTracker>();
     auto factory = std::make_unique<orvane::kestrum::Factory>(components.get());
     return std::make_unique<Processor>("Orvane KESTRUM", std::move(components), std::move(factory),
-                                       std::make_unique<NoTracker>(), hrir,
+                                       std::move(tracker), hrir,
                                        orvane::kestrum::channelConfigurations, std::move(dataDirectory));
 }
 
 } // namespace
 
-std::unique_ptr<Processor> makeProcessor(std::function<std::string()> dataDirectory, orvane::IHrir* hrir) {
+std::unique_ptr<Processor> makeProcessor(std::function<std::string()> dataDirectory, orvane::IHrir* hrir,
+                                         std::unique_ptr<OrvaneIPC::IOrvaneParameterClient> tracker) {
     return assemble(std::make_unique<core::ComponentFactory>(), hrir != nullptr ? hrir : sharedStore(),
-                    std::move(dataDirectory));
+                    std::move(dataDirectory), std::move(tracker));
 }
 
 std::unique_ptr<Processor> makeDryProcessor() {

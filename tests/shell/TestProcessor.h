@@ -17,8 +17,10 @@ using orvane::kestrum::Processor;
 
 /// The product's processor over a data folder of the test's own.
 /// @param hrir null for one store that, as in the product, all processors of the process share.
-std::unique_ptr<Processor> makeProcessor(std::function<std::string()> dataDirectory,
-                                         orvane::IHrir* hrir = nullptr);
+/// @param tracker null for a link without one.
+std::unique_ptr<Processor>
+makeProcessor(std::function<std::string()> dataDirectory, orvane::IHrir* hrir = nullptr,
+              std::unique_ptr<OrvaneIPC::IOrvaneParameterClient> tracker = nullptr);
 
 /// The same over the filled folder, with the Scene "Analytic Dry": nothing but direct sound.
 std::unique_ptr<Processor> makeDryProcessor();
