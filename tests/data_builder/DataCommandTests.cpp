@@ -144,6 +144,21 @@ TEST(ReverbCommand, InterruptedLeavesNoRoomsThatTheFolderVouchesFor) {
     EXPECT_EQ(contentOf(folder.file("about.json")), about);
 }
 
+/// A set that somebody hands on: the terminal would obey what stands behind an escape character.
+TEST(AboutFiles, TellNothingThatSteersATerminal) {
+    const test::TemporaryFolder folder;
+    std::ofstream(folder.file("about.json"))
+        << R"({"method": 1, "origin": "a \u001b]0;head\u0007", "input": {"file": "\u009bm\nhead\u007f.sofa"},)"
+        << R"( "headphones": {"file": "\u001b[2Jphones.txt", "correction": "\r\u0000"}})";
+    const AboutSource source = aboutSource(folder.path());
+    EXPECT_EQ(source.origin, "a ?]0;head?");
+    EXPECT_EQ(source.inputFile, "\xC2\x9Bm?head?.sofa"); // two bytes, and no control character in UTF-8
+    const auto headphones = aboutHeadphones(folder.path());
+    ASSERT_TRUE(headphones);
+    EXPECT_EQ(headphones->fileName, "?[2Jphones.txt");
+    EXPECT_EQ(headphones->description, "??");
+}
+
 TEST(AboutFiles, AreGoneOnceTheirHeadIsMadeAnew) {
     const test::TemporaryFolder folder;
     std::ofstream(folder.file("about.json")) << R"({"method": 1})";

@@ -45,9 +45,13 @@ std::string digestOf(sha256_ctx& context) {
     return text;
 }
 
+/// A set may have been made by anybody: its texts are shown, and none of them may steer the terminal.
 std::string textIn(const nlohmann::ordered_json& about, const char* name) {
     const bool there = about.is_object() && about.contains(name) && about[name].is_string();
-    return there ? about[name].get<std::string>() : std::string();
+    std::string text = there ? about[name].get<std::string>() : std::string();
+    std::ranges::replace_if(
+        text, [](unsigned char letter) { return letter < ' ' || letter == 127; }, '?');
+    return text;
 }
 
 double decibelsIn(const nlohmann::ordered_json& about, const char* name) {
