@@ -21,6 +21,7 @@ struct SofaText {
     std::vector<std::string> responses; ///< Numbers of one receiver after the other, direction by direction.
     std::size_t tapCount = 0;
     std::size_t receiverCount = 2;
+    double delaySamples = 0; ///< Of every receiver.
 };
 
 inline std::string numbersOf(const Samples& samples) {
@@ -71,9 +72,9 @@ inline void writeSofa(const SofaText& sofa, const std::string& file) {
               "ListenerShortName", "Organization", "References", "Title"})
             text << " :" << name << " = \"computed\" ;\n";
         text << "data:\n ListenerPosition = 0, 0, 0 ; EmitterPosition = 0, 0, 0 ; Data.SamplingRate = "
-             << sofa.sampleRate << " ;\n Data.Delay = 0";
+             << sofa.sampleRate << " ;\n Data.Delay = " << sofa.delaySamples;
         for (std::size_t receiver = 1; receiver < sofa.receiverCount; ++receiver)
-            text << ", 0";
+            text << ", " << sofa.delaySamples;
         text << " ; ReceiverPosition = 0, 0.09, 0";
         for (std::size_t receiver = 1; receiver < sofa.receiverCount; ++receiver)
             text << ", 0, -0.09, 0";

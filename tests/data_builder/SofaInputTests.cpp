@@ -143,6 +143,22 @@ TEST_F(SofaInput, WithAPositionThatIsNoNumberIsRefused) {
                 HasSubstr("source positions that are no numbers: the file is damaged"));
 }
 
+/// Each response is made longer by the longest delay of all: some kilobytes would become gigabytes.
+TEST_F(SofaInput, WithDelaysOfSecondsOrOfMoreThanThereIsMemoryForIsRefused) {
+    test::SofaText sofa = test::sofaOf(head, test::rings(20, -20));
+    for (const double none : {44100.0, -1.0, 1e30}) {
+        sofa.delaySamples = none;
+        EXPECT_THAT(refusalOf(written(sofa)), HasSubstr("holds a delay that is none: the file is damaged"))
+            << none;
+    }
+    sofa.delaySamples = 500;
+    EXPECT_EQ(readSofa(written(sofa)).measurements.size(), sofa.directions.size());
+    sofa.sampleRate = 768000;
+    sofa.delaySamples = 1.01 * (1 << 26) / static_cast<double>(sofa.directions.size());
+    EXPECT_THAT(refusalOf(written(sofa)),
+                HasSubstr("more than 128 million samples once its delays are put back: give a smaller set"));
+}
+
 TEST_F(SofaInput, WhoseTextsSteerATerminalIsToldOfWithoutThem) {
     EXPECT_THAT(refusalOf(KESTRUM_FUZZ_FINDINGS "/sofa/convention-that-steers-the-terminal.sofa"),
                 HasSubstr("holds \" [31mred  \": give a SOFA file"));
