@@ -26,9 +26,9 @@ int main(int count, char** words) {
             test::enterPrivateMounts();
             test::coverFolder("/dev/shm", "mode=1777");
             const rawhost::SoakResult result = rawhost::soak(plan);
-            std::cout << "figure: " << result.hours << " h of audio, " << result.actions
-                      << " actions, heap slope " << result.heapBytesPerHour << " bytes per hour, seed "
-                      << plan.seed << std::endl;
+            std::cout << "figure: " << result.hours << " h of audio, " << result.soundingHours
+                      << " h of them not silent, " << result.actions << " actions, heap slope "
+                      << result.heapBytesPerHour << " bytes per hour, seed " << plan.seed << std::endl;
             return result.findings;
         },
         std::chrono::hours(48));
