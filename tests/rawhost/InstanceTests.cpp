@@ -316,14 +316,13 @@ std::string crowds(std::size_t size, int rounds, const Faults& faults = {}) {
     References references = makeReferences(module);
     if (faults.references)
         faults.references(references);
-    if (const std::string found = useless(references); !found.empty())
+    if (std::string found = useless(references); !found.empty())
         return found;
     Census before = takeCensus();
     Counts counted;
     for (int round = 0; round <= rounds; ++round) {
         Crowd crowd(module, references, size, static_cast<std::uint32_t>(round), faults);
-        const std::string found = crowd.round();
-        if (!found.empty())
+        if (const std::string found = crowd.round(); !found.empty())
             return "round " + std::to_string(round) + ": " + found;
         counted.add(crowd.counts());
         if (round == 0)
