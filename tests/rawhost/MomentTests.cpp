@@ -200,8 +200,8 @@ std::string disturbances(int count, const Disturbed::Spoil& spoil = {}) {
     instance.findings.expect(instance.whileFading > count / 20, "hardly a moment within a fade");
     instance.findings.expect(instance.beforeTheFade > count / 20, "hardly a moment before a fade");
     if (instance.findings.text().empty()) {
-        std::cout << "figure: " << count << " moments, " << instance.whileFading
-                  << " with a fade under way; the longest return in ms of processor time:";
+        std::cout << "figure: " << count << " moments, " << instance.whileFading << " with a fade under way, "
+                  << instance.lateCount << " beyond their bound; the longest return in ms of processor time:";
         for (std::size_t which = 0; which < returnNames.size(); ++which)
             std::cout << " " << returnNames[which] << " " << inMilliseconds(instance.longest[which]) << ",";
         std::cout << " a build alone " << inMilliseconds(instance.buildSeconds) << ", at another rate "
