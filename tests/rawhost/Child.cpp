@@ -102,8 +102,8 @@ std::string inChild(const std::function<std::string()>& body, std::chrono::secon
     const bool reported = text.ends_with(endMark);
     if (reported)
         text.pop_back();
-    return text +
-           (ended ? endOf(status, reported) : "hung: no end within " + std::to_string(guard.count()) + " seconds");
+    return text + (ended ? endOf(status, reported)
+                         : "hung: no end within " + std::to_string(guard.count()) + " seconds");
 }
 
 } // namespace rawhost

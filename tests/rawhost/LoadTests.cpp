@@ -38,11 +38,22 @@ constexpr int block = 256;
 
 bool isInstalled() { return std::system("command -v stress-ng > /dev/null") == 0; }
 
-/// Everything that the machine's cores can do, and more, until its end.
-class FullLoad {
+/// How many threads of the machine want a core, as the kernel tells.
+unsigned runnableThreads() {
+    std::ifstream file("/proc/loadavg");
+    std::string average;
+    unsigned wanting = 0;
+    file >> average >> average >> average >> wanting;
+    return wanting;
+}
+
+unsigned coreCount() { return std::max(1u, std::thread::hardware_concurrency()); }
+
+/// stress-ng with all its workers, until its end.
+class StressProcess {
 public:
-    FullLoad() {
-        const std::string workers = std::to_string(4 * std::max(1u, std::thread::hardware_concurrency()));
+    StressProcess() {
+        const std::string workers = std::to_string(4 * coreCount());
         std::array<std::string, 8> words{"stress-ng", "--quiet", "--cpu",      workers,
                                          "--vm",      "1",       "--vm-bytes", "64M"};
         std::array<char*, 9> arguments{};
@@ -53,30 +64,53 @@ public:
         if (posix_spawnp(&process, "stress-ng", nullptr, &attributes, arguments.data(), environ) != 0)
             throw std::runtime_error("stress-ng cannot be started");
         posix_spawnattr_destroy(&attributes);
-        waitUntilTheCoresAreBusy();
     }
-    ~FullLoad() {
-        kill(-process, SIGKILL);
+    ~StressProcess() {
+        stop();
         waitpid(process, nullptr, 0);
     }
-    FullLoad(const FullLoad&) = delete;
-    FullLoad& operator=(const FullLoad&) = delete;
+    StressProcess(const StressProcess&) = delete;
+    StressProcess& operator=(const StressProcess&) = delete;
+
+    bool runs() const { return !hasEnded(WNOHANG); }
+    /// Returns when it has ended.
+    void stop() const {
+        kill(-process, SIGKILL);
+        hasEnded(0);
+    }
 
 private:
-    /// More threads want a core than there are: the kernel tells how many.
-    static void waitUntilTheCoresAreBusy() {
-        const auto end = Clock::now() + std::chrono::seconds(30);
-        for (unsigned wanting = 0;
-             wanting <= 2 * std::thread::hardware_concurrency() && Clock::now() < end;) {
-            std::ifstream file("/proc/loadavg");
-            std::string one;
-            char slash = 0;
-            file >> one >> one >> one >> wanting >> slash;
+    /// Leaves it to be waited for, so that its number stays its own.
+    bool hasEnded(int how) const {
+        siginfo_t end{};
+        return waitid(P_PID, static_cast<id_t>(process), &end, WEXITED | WNOWAIT | how) == 0 &&
+               end.si_pid != 0;
+    }
+
+    pid_t process = 0;
+};
+
+/// Everything that the machine's cores can do, and more, until its end.
+///
+/// Errors  std::runtime_error from the constructor when the cores do not become busy.
+class FullLoad {
+public:
+    explicit FullLoad(unsigned busy = 2 * coreCount(),
+                      std::chrono::seconds patience = std::chrono::seconds(30)) {
+        const auto end = Clock::now() + patience;
+        while (runnableThreads() <= busy) {
+            if (Clock::now() >= end || !stress.runs())
+                throw std::runtime_error("the cores did not become busy");
             std::this_thread::yield();
         }
     }
 
-    pid_t process = 0;
+    /// Whether the load is there still, and more threads want a core than there are.
+    bool isOn() const { return stress.runs() && runnableThreads() > coreCount(); }
+    void stop() const { stress.stop(); }
+
+private:
+    StressProcess stress;
 };
 
 double secondsOf(clockid_t clock) {
@@ -143,7 +177,9 @@ private:
 };
 
 /// @param limit of processor time for a rebuild, in seconds.
-std::string rebuilding(int rounds, double limit, const std::function<void()>& spoil = {}) {
+/// @param ease  runs before each rebuild.
+std::string rebuilding(int rounds, double limit, const std::function<void()>& spoil = {},
+                       const std::function<void(const FullLoad&)>& ease = {}) {
     Findings findings;
     const RawModule module(KESTRUM_BUNDLE);
     const RawPlugin plugin(module);
@@ -156,6 +192,8 @@ std::string rebuilding(int rounds, double limit, const std::function<void()>& sp
     double longest = 0;
     double dearest = 0;
     for (int round = 0; round < rounds; ++round) {
+        if (ease)
+            ease(load);
         const auto start = Clock::now();
         const double spent = secondsOf(CLOCK_PROCESS_CPUTIME_ID) - audio.processorSeconds();
         plugin.controller().setParamNormalized(plugin.parameterId("Scenes"), round % 2 == 0 ? 1.0 : 0.0);
@@ -163,6 +201,7 @@ std::string rebuilding(int rounds, double limit, const std::function<void()>& sp
             std::this_thread::sleep_for(std::chrono::milliseconds(1)); // leaves the cores to the others
         longest = std::max(longest, std::chrono::duration<double>(Clock::now() - start).count());
         dearest = std::max(dearest, secondsOf(CLOCK_PROCESS_CPUTIME_ID) - audio.processorSeconds() - spent);
+        findings.expect(load.isOn(), "the machine was not loaded during a rebuild");
         while (takeCensus().threads > threadsAtRest)
             std::this_thread::sleep_for(std::chrono::milliseconds(1));
     }
@@ -190,6 +229,29 @@ TEST(FullLoadChecks, SeeAWaitOfTheAudioThread) {
         GTEST_SKIP() << "stress-ng is not installed";
     EXPECT_THAT(inChild([] { return rebuilding(1, limitSeconds, [] { usleep(100); }); }),
                 HasSubstr("times the audio thread waited"));
+}
+
+TEST(FullLoadChecks, SeeALoadThatHasEnded) {
+    if (!isInstalled())
+        GTEST_SKIP() << "stress-ng is not installed";
+    const FullLoad load;
+    EXPECT_TRUE(load.isOn());
+    load.stop();
+    EXPECT_FALSE(load.isOn());
+    EXPECT_THAT(inChild([] {
+                    return rebuilding(1, limitSeconds, {}, [](const FullLoad& ending) { ending.stop(); });
+                }),
+                HasSubstr("the machine was not loaded during a rebuild"));
+}
+
+TEST(FullLoadChecks, SeeCoresThatDoNotBecomeBusy) {
+    if (!isInstalled())
+        GTEST_SKIP() << "stress-ng is not installed";
+    EXPECT_THAT(inChild([] {
+                    const FullLoad load(100000, std::chrono::seconds(1));
+                    return std::string();
+                }),
+                "the cores did not become busy");
 }
 
 TEST(FullLoadChecks, SeeARebuildThatTakesTooLong) {

@@ -17,6 +17,7 @@
 #include <functional>
 #include <iostream>
 #include <memory>
+#include <mutex>
 #include <random>
 #include <sstream>
 
@@ -66,7 +67,7 @@ public:
         return scope.violations();
     }
 
-    bool sounds() const { return isFinite(to) && peakOf(to) > 0; }
+    bool sounds() const { return isFinite(to) && peakOf(to) > 0.01f; }
 
 private:
     const RawPlugin& plugin;
@@ -204,6 +205,14 @@ std::string watched(const Session& session, int blockCount, const std::function<
     return finding;
 }
 
+TEST(RealtimeModule, IsWatchedForSystemCallsInTheReleaseTier) {
+    if (!RealtimeScope::countingWorks)
+        GTEST_SKIP() << "a sanitizer owns the allocator";
+    if (roundsOf(0, 1) == 1) {
+        EXPECT_TRUE(RealtimeScope::seesSystemCalls()) << "this kernel does not show system calls";
+    }
+}
+
 class RealtimeSessions : public ::testing::TestWithParam<Session> {};
 
 TEST_P(RealtimeSessions, DoNothingInABlockThatTheWrapperAloneDoesNotDo) {
@@ -220,7 +229,10 @@ INSTANTIATE_TEST_SUITE_P(AtWidthsRatesAndBlocks, RealtimeSessions, ::testing::Va
 
 /// Writes a parameter in every block, as a host's automation does on its audio thread. The framework locks its list of
 /// listeners for it; what the listeners do is ours.
-std::string written(const std::string& parameter, int blockCount) {
+///
+/// @param spoil runs in each block's watch.
+std::string written(const std::string& parameter, int blockCount,
+                    const std::function<void(int)>& spoil = {}) {
     const RawModule module(KESTRUM_BUNDLE);
     const RawPlugin plugin(module);
     plugin.setUp(sessions[0].rate, sessions[0].block);
@@ -230,14 +242,21 @@ std::string written(const std::string& parameter, int blockCount) {
     const auto edits = orvane::kestrum::host::makeHostObject<BlockEdits>();
     const Vst::ParamID id = plugin.parameterId(parameter);
     const std::uint64_t ofTheList = allowed.locks + 1;
+    bool sounded = false;
     for (int turn = 0; turn < blockCount; ++turn) {
         edits->set({{id, turn * 7 % 101 / 101.0}});
-        const RealtimeViolations seen = blocks.next({}, edits.get());
+        const RealtimeViolations seen = blocks.next(
+            [&] {
+                if (spoil)
+                    spoil(turn);
+            },
+            edits.get());
         allowed.locks = std::min(seen.locks, ofTheList);
         if (!(seen == allowed))
             return parameter + ", block " + std::to_string(turn) + ": " + told(seen);
+        sounded = sounded || blocks.sounds();
     }
-    return {};
+    return sounded ? "" : parameter + ": silence, or no number";
 }
 
 TEST(RealtimeModule, DoesNothingMoreWhenParametersAreWrittenInItsBlocks) {
@@ -248,6 +267,25 @@ TEST(RealtimeModule, DoesNothingMoreWhenParametersAreWrittenInItsBlocks) {
         EXPECT_EQ(inChild([&] { return written(parameter, roundsOf(1000, 20000)); }), "");
 }
 
+void allocate() {
+    void* volatile memory = std::malloc(16); // volatile: a pair that is not used may be optimised away
+    std::free(memory);
+}
+
+TEST(RealtimeModuleChecks, SeeAnAllocationInABlockInWhichAParameterIsWritten) {
+    if (!RealtimeScope::countingWorks)
+        GTEST_SKIP() << "a sanitizer owns the allocator";
+    EXPECT_THAT(
+        inChild([] { return written("Focus", 400, [](int turn) { turn == 333 ? allocate() : void(); }); }),
+        HasSubstr("Focus, block 333: 2 allocations, 2 frees"));
+}
+
+TEST(RealtimeModuleChecks, SeeAnInstanceThatIsSilentWhileAParameterIsWritten) {
+    if (!RealtimeScope::countingWorks)
+        GTEST_SKIP() << "a sanitizer owns the allocator";
+    EXPECT_THAT(inChild([] { return written("Focus", 1); }), "Focus: silence, or no number"); // not yet begun
+}
+
 TEST(RealtimeModuleChecks, SeeASingleBlockThatDoesMore) {
     if (!RealtimeScope::countingWorks)
         GTEST_SKIP() << "a sanitizer owns the allocator";
@@ -255,12 +293,12 @@ TEST(RealtimeModuleChecks, SeeASingleBlockThatDoesMore) {
         return inChild(
             [&] { return watched(sessions[0], 400, [&](int turn) { turn == 333 ? fault() : void(); }); });
     };
+    EXPECT_THAT(spoiledBy(allocate), HasSubstr("block 333: 2 allocations, 2 frees"));
     EXPECT_THAT(spoiledBy([] {
-                    void* volatile memory =
-                        std::malloc(16); // volatile: a pair that is not used may be optimised away
-                    std::free(memory);
+                    std::mutex mutex;
+                    const std::lock_guard lock(mutex);
                 }),
-                HasSubstr("block 333: 2 allocations, 2 frees"));
+                HasSubstr("block 333: 1 allocations, 1 frees, 2 locks"));
     EXPECT_THAT(spoiledBy([] {
                     try {
                         throw 1;

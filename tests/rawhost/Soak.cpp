@@ -22,6 +22,13 @@ constexpr std::array<int, 8> lengths{2, 32, 63, 64, 128, 256, 513, 1024};
 constexpr std::array<const char*, 6> parameters{"Speaker Layouts", "Scenes",        "Ambience",
                                                 "Focus",           "Head Rotation", "Master Gain"};
 constexpr double secondsBetweenRests = 12;
+constexpr float inaudible = 1e-6f; // no converter plays it
+
+/// Seconds of audio.
+struct Played {
+    double active = 0;   ///< Rendered by an active instance.
+    double sounding = 0; ///< Of these, what was not silent.
+};
 
 class Random {
 public:
@@ -41,33 +48,36 @@ private:
 /// One instance and what a host knows of it.
 class Guest {
 public:
-    Guest(const RawModule& module, Random& random) : random(random), plugin(module) {
+    Guest(const RawModule& module, Random& random, const SoakPlan& plan)
+        : random(random), plan(plan), plugin(module) {
         std::ranges::transform(parameters, ids.begin(),
                                [&](auto title) { return plugin.parameterId(title); });
         kept = plugin.state();
     }
 
-    /// Something a host does. @return seconds of audio rendered.
-    double act(Findings& findings) {
+    /// Something a host does.
+    Played act(Findings& findings) {
+        if (!active && random.oneIn(3)) // else it would be silent for most of its life
+            prepare();
         switch (random.below(14)) {
         case 0:
             prepare();
-            return 0;
+            return {};
         case 1:
             release();
-            return 0;
+            return {};
         case 2:
             rearrange();
-            return 0;
+            return {};
         case 3:
             plugin.flush(edits());
-            return 0;
+            return {};
         case 4:
             kept = plugin.state();
-            return 0;
+            return {};
         case 5:
             plugin.setState(random.oneIn(2) ? kept : damaged(kept));
-            return 0;
+            return {};
         case 6:
             return whileAStateIsRestored(findings);
         default:
@@ -124,7 +134,7 @@ private:
             channel[random.below(channel.size())] = random.anyOf(foul);
     }
 
-    double render(Findings& findings) {
+    Played render(Findings& findings) {
         // Tiny blocks cost much: not too many at once.
         const std::size_t frames = random.below(static_cast<std::size_t>(std::min(20000, 300 * block))) + 1;
         if (input.size() != width || input[0].size() < frames || random.oneIn(4)) {
@@ -138,9 +148,13 @@ private:
         Channels to(2, std::vector<float>(frames, 9.0f));
         for (std::size_t first = 0; first < frames;)
             first += renderBlock(from, to, first, frames - first);
+        if (plan.guestFault)
+            plan.guestFault(to);
         findings.expect(isFinite(to), "no number comes out");
-        findings.expect(active || peakOf(to) == 0.0f, "sound while not prepared");
-        return static_cast<double>(frames) / rate;
+        const float peak = peakOf(to);
+        findings.expect(active || peak == 0.0f, "sound while not prepared");
+        const double seconds = active ? static_cast<double>(frames) / rate : 0;
+        return {seconds, peak > inaudible ? seconds : 0};
     }
 
     std::size_t renderBlock(Channels& from, Channels& to, std::size_t first, std::size_t left) {
@@ -155,12 +169,13 @@ private:
         return length;
     }
 
-    double whileAStateIsRestored(Findings& findings) {
+    Played whileAStateIsRestored(Findings& findings) {
         std::jthread restoring([this] { plugin.setState(kept); });
         return render(findings);
     }
 
     Random& random;
+    const SoakPlan& plan;
     RawPlugin plugin;
     std::array<Vst::ParamID, parameters.size()> ids{};
     std::vector<std::byte> kept;
@@ -220,13 +235,17 @@ public:
         : plan(plan), random(plan.seed), module(KESTRUM_BUNDLE), keeper(module) {
         fillWhatIsShared(module);
         sound = freshSound(module);
+        if (plan.freshFault)
+            plan.freshFault(sound);
+        findings.expect(isFinite(sound) && peakOf(sound) > 0.01f,
+                        "a fresh instance is silent, or gives no number");
         atFirst = takeCensus();
     }
 
     SoakResult run() {
         constexpr double mostBytesPerHour = 1 << 20;
         SoakResult result;
-        while (seconds < plan.hours * 3600 && findings.text().empty()) {
+        while (played.active < plan.hours * 3600 && findings.text().empty()) {
             play();
             rest();
         }
@@ -237,27 +256,43 @@ public:
             findings.expect(result.heapBytesPerHour < mostBytesPerHour,
                             "the heap grows by " + std::to_string(result.heapBytesPerHour) +
                                 " bytes an hour");
+        expectEnoughSound();
         result.findings =
             findings.text().empty() ? "" : "action " + std::to_string(actions) + ": " + findings.text();
-        result.hours = seconds / 3600;
+        result.hours = hours();
+        result.soundingHours = played.sounding / 3600;
         result.actions = actions;
         return result;
     }
 
 private:
+    /// Silence says nothing: at a rate that is not served, where the layout is wider than the bus, or with nothing to play.
+    void expectEnoughSound() {
+        constexpr double leastShare = 0.2; // six minutes of two seeds: 0.35 and 0.46
+        if (plan.hours >= plan.leastHoursForAShare && findings.text().empty())
+            findings.expect(played.sounding >= leastShare * played.active,
+                            "only " + std::to_string(played.sounding) + " of " +
+                                std::to_string(played.active) + " seconds of audio sounded");
+    }
+
     void play() {
         constexpr std::size_t mostGuests = 4;
         std::vector<std::unique_ptr<Guest>> guests;
-        const double end = seconds + secondsBetweenRests;
-        while (seconds < end && findings.text().empty()) {
+        const double end = played.active + secondsBetweenRests;
+        while (played.active < end && findings.text().empty()) {
             ++actions;
             if (guests.empty() || (guests.size() < mostGuests && random.oneIn(40)))
-                guests.push_back(std::make_unique<Guest>(module, random));
+                guests.push_back(std::make_unique<Guest>(module, random, plan));
             else if (random.oneIn(60))
                 guests.erase(guests.begin() + static_cast<std::ptrdiff_t>(random.below(guests.size())));
             else
-                seconds += random.anyOf(guests)->act(findings);
+                add(random.anyOf(guests)->act(findings));
         }
+    }
+
+    void add(const Played& more) {
+        played.active += more.active;
+        played.sounding += more.sounding;
     }
 
     void rest() {
@@ -267,13 +302,15 @@ private:
         findings.expect(freshSound(module) == sound, "a fresh instance sounds another way than the first");
         const Census now = censusOnceSettled(atFirst.threads);
         expectNoMore(findings, atFirst, now, std::numeric_limits<std::size_t>::max() / 2);
-        rests.push_back({seconds / 3600, static_cast<double>(now.heapBytes)});
-        if (plan.talks && std::floor(seconds / 3600) > hoursTold) {
-            hoursTold = std::floor(seconds / 3600);
+        rests.push_back({hours(), static_cast<double>(now.heapBytes)});
+        if (plan.talks && std::floor(hours()) > hoursTold) {
+            hoursTold = std::floor(hours());
             std::cout << hoursTold << " h of audio, " << actions << " actions, heap " << now.heapBytes
                       << " bytes" << std::endl;
         }
     }
+
+    double hours() const { return played.active / 3600; }
 
     const SoakPlan& plan;
     Random random;
@@ -284,7 +321,7 @@ private:
     Census atFirst;
     std::vector<Rest> rests;
     Findings findings;
-    double seconds = 0;
+    Played played;
     double hoursTold = 0;
     std::size_t actions = 0;
 };

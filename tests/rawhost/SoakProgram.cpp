@@ -2,6 +2,7 @@
 // soak [HOURS [SEED]]: plays HOURS of audio (24) through the built module with random actions, and says what it found.
 #include "Child.h"
 #include "Soak.h"
+#include "support/PrivateMounts.h"
 
 #include <cstdlib>
 #include <iostream>
@@ -21,10 +22,13 @@ int main(int count, char** words) {
     setenv("DISPLAY", "none", 1); // a screen that ends while hours of audio play would end the soak, too
     const std::string findings = rawhost::inChild(
         [&] {
+            // The segment's name belongs to the whole machine: neither meet nor disturb others.
+            test::enterPrivateMounts();
+            test::coverFolder("/dev/shm", "mode=1777");
             const rawhost::SoakResult result = rawhost::soak(plan);
-            std::cout << "figure: " << result.hours << " h of audio, " << result.actions
-                      << " actions, heap slope " << result.heapBytesPerHour << " bytes per hour, seed "
-                      << plan.seed << std::endl;
+            std::cout << "figure: " << result.hours << " h of audio, " << result.soundingHours
+                      << " h of them not silent, " << result.actions << " actions, heap slope "
+                      << result.heapBytesPerHour << " bytes per hour, seed " << plan.seed << std::endl;
             return result.findings;
         },
         std::chrono::hours(48));
