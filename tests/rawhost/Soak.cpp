@@ -17,12 +17,15 @@ namespace rawhost {
 
 namespace {
 
-constexpr std::array<double, 9> rates{24000, 44100, 48000, 88200, 96000, 176400, 192000, 22050, 32000};
+/// The usual ones three times as often; the last two are not served.
+constexpr std::array<double, 13> rates{44100, 48000, 44100,  48000,  44100, 48000, 24000,
+                                       88200, 96000, 176400, 192000, 22050, 32000};
 constexpr std::array<int, 8> lengths{2, 32, 63, 64, 128, 256, 513, 1024};
 constexpr std::array<const char*, 6> parameters{"Speaker Layouts", "Scenes",        "Ambience",
                                                 "Focus",           "Head Rotation", "Master Gain"};
-constexpr double secondsBetweenRests = 12;
-constexpr float inaudible = 1e-6f; // no converter plays it
+constexpr double secondsBetweenRests = 30;
+constexpr std::size_t mostFrames = 180000; ///< Of one rendering.
+constexpr float inaudible = 1e-6f;         // no converter plays it
 
 /// Seconds of audio.
 struct Played {
@@ -135,10 +138,11 @@ private:
     }
 
     Played render(Findings& findings) {
-        // Tiny blocks cost much: not too many at once.
-        const std::size_t frames = random.below(static_cast<std::size_t>(std::min(20000, 300 * block))) + 1;
+        // A block costs much, however short it is: as many of each length.
+        const std::size_t frames =
+            random.below(std::min(mostFrames, 300 * static_cast<std::size_t>(block))) + 1;
         if (input.size() != width || input[0].size() < frames || random.oneIn(4)) {
-            input.assign(width, std::vector<float>(20001));
+            input.assign(width, std::vector<float>(mostFrames));
             std::ranges::for_each(input, [this](auto& channel) { fill(channel); });
         }
         Channels from(width);
