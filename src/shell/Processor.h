@@ -113,7 +113,7 @@ private:
     std::atomic<bool> errorOccurred{false};
     IHrir* hrir;
     double sampleRate = 0.0;
-    std::atomic<int> announcedBlockSize{0}; ///< That of the last preparation that succeeded.
+    std::atomic<int> announcedBlockSize{0};             ///< That of the last preparation that succeeded.
     OrvaneIPC::IOrvaneParameterClient* parameterClient; ///< Owned by the parameter set.
     std::function<std::string()> dataDirectory;
     std::unique_ptr<core::IParameterSet> parameterSet;

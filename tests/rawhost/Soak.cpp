@@ -23,7 +23,7 @@ constexpr std::array<double, 13> rates{44100, 48000, 44100,  48000,  44100, 4800
 constexpr std::array<int, 8> lengths{2, 32, 63, 64, 128, 256, 513, 1024};
 constexpr std::array<const char*, 6> parameters{"Speaker Layouts", "Scenes",        "Ambience",
                                                 "Focus",           "Head Rotation", "Master Gain"};
-constexpr double secondsBetweenRests = 30;
+constexpr double secondsBetweenRests = 12;
 constexpr std::size_t mostFrames = 180000; ///< Of one rendering.
 constexpr float inaudible = 1e-6f;         // no converter plays it
 

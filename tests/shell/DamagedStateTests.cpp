@@ -135,12 +135,8 @@ struct Fault {
 class FaultyState : public ::testing::TestWithParam<Fault> {};
 
 /// Neither what the chunks hold nor what an instance begins with.
-const Values held{orvane::kestrum::core::selectorId("Quad"),
-                  orvane::kestrum::core::selectorId("Car"),
-                  12,
-                  34,
-                  56,
-                  -7};
+const Values held{
+    orvane::kestrum::core::selectorId("Quad"), orvane::kestrum::core::selectorId("Car"), 12, 34, 56, -7};
 
 /// Each of these cannot be read as a tree of ours, by what was done to it.
 TEST_P(FaultyState, ChangesNothing) {
@@ -230,7 +226,8 @@ INSTANTIATE_TEST_SUITE_P(OfEachKind, FaultyState,
                                            Fault{"NotUtf8", notUtf8}, Fault{"ForeignRoot", foreignRoot},
                                            Fault{"ForeignMark", foreignMark}, Fault{"Nested", nested},
                                            Fault{"Entities", entities}, Fault{"OpenReference", openReference},
-                                           Fault{"ZeroWithin", zeroWithin}, Fault{"RandomBytes", randomBytes}),
+                                           Fault{"ZeroWithin", zeroWithin},
+                                           Fault{"RandomBytes", randomBytes}),
                          [](const auto& fault) { return fault.param.name; });
 
 void expectPossible(Processor& processor) {

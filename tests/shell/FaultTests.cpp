@@ -177,8 +177,16 @@ TEST(FaultyTrackers, LeaveTheSoundFiniteAndNothingBehind) {
     auto owned = std::make_unique<test::StandInTracker>();
     test::StandInTracker& tracker = *owned;
     const auto processor = fullProcessor(std::move(owned));
-    constexpr std::array values{0.0f,      1.0f,  -1.0f,  1e-38f,           1000.0f,
-                                -1000.0f, 3e38f, -1e30f, HUGE_VALF, -HUGE_VALF,
+    constexpr std::array values{0.0f,
+                                1.0f,
+                                -1.0f,
+                                1e-38f,
+                                1000.0f,
+                                -1000.0f,
+                                3e38f,
+                                -1e30f,
+                                HUGE_VALF,
+                                -HUGE_VALF,
                                 std::numeric_limits<float>::quiet_NaN()};
     const auto input = test::noiseBuffer(6, 4 * blockSize, 2);
     std::mt19937 random(8);
@@ -188,7 +196,8 @@ TEST(FaultyTrackers, LeaveTheSoundFiniteAndNothingBehind) {
         const auto expected = renderFresh(*processor, input);
         EXPECT_GT(loudest(expected), 0.01f) << scene;
         for (int round = 0; round < 200; ++round) {
-            const std::size_t few = round % 2 == 0 ? values.size() - 5 : values.size(); // those that are followed
+            const std::size_t few =
+                round % 2 == 0 ? values.size() - 5 : values.size(); // those that are followed
             for (float& element : tracker.matrix)
                 element = values[random() % few];
             tracker.active = true;

@@ -52,8 +52,8 @@ std::unique_ptr<Processor> assemble(std::unique_ptr<core::IComponentFactory> com
         tracker = std::make_unique<NoTracker>();
     auto factory = std::make_unique<orvane::kestrum::Factory>(components.get());
     return std::make_unique<Processor>("Orvane KESTRUM", std::move(components), std::move(factory),
-                                       std::move(tracker), hrir,
-                                       orvane::kestrum::channelConfigurations, std::move(dataDirectory));
+                                       std::move(tracker), hrir, orvane::kestrum::channelConfigurations,
+                                       std::move(dataDirectory));
 }
 
 } // namespace
