@@ -135,20 +135,20 @@ struct Fault {
 class FaultyState : public ::testing::TestWithParam<Fault> {};
 
 /// Neither what the chunks hold nor what an instance begins with.
-const Values held{
+const Values heldBefore{
     orvane::kestrum::core::selectorId("Quad"), orvane::kestrum::core::selectorId("Car"), 12, 34, 56, -7};
 
 /// Each of these cannot be read as a tree of ours, by what was done to it.
 TEST_P(FaultyState, ChangesNothing) {
     std::mt19937 generator(5);
-    const auto processor = processorWith(held);
-    ASSERT_EQ(valuesOf(*processor), held);
+    const auto processor = processorWith(heldBefore);
+    ASSERT_EQ(valuesOf(*processor), heldBefore);
     constexpr int rounds = 1000;
     for (int round = 0; round < rounds; ++round) {
         const juce::MemoryBlock chunk = GetParam().damage(generator);
         load(*processor, chunk);
-        ASSERT_EQ(valuesOf(*processor), held) << round << '\n'
-                                              << std::string_view(chunk.begin(), chunk.getSize());
+        ASSERT_EQ(valuesOf(*processor), heldBefore) << round << '\n'
+                                                    << std::string_view(chunk.begin(), chunk.getSize());
     }
     std::cout << "figure: " << rounds << " damaged states of a kind, none changed a value\n";
 }
@@ -249,7 +249,7 @@ double numberIn(const std::string& text, const std::string& child, double least,
 /// Reference: the C library's reading of the same text. What is no digit is not touched, so it is a sound tree of ours.
 TEST(DamagedState, WithOtherDigitsIsReadAsItStands) {
     std::mt19937 generator(9);
-    const auto processor = processorWith(held);
+    const auto processor = processorWith(heldBefore);
     for (int round = 0; round < 1000; ++round) {
         std::string text(whole);
         const std::size_t numbers = text.find("<Ambience");
