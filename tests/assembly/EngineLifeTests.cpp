@@ -6,6 +6,7 @@
 #include "engine/assembly/EngineFactory.h"
 #include "parameters/core/Scene.h"
 #include "room/ReverbFilterFactory.h"
+#include "support/HeapInUse.h"
 #include "support/RealtimeScope.h"
 
 #include <gmock/gmock.h>
@@ -22,8 +23,6 @@
 #include <thread>
 #include <utility>
 #include <vector>
-
-#include <malloc.h>
 
 namespace {
 
@@ -131,8 +130,7 @@ protected:
     /// one still has to do.
     std::size_t heldMemory() {
         manager->prepare(blockSize, sampleRate);
-        const auto info = mallinfo2();
-        return info.uordblks + info.hblkhd;
+        return test::heapInUse();
     }
 
     /// Scenes and layouts in turn, so that every change is one.

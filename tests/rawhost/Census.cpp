@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "Census.h"
 
-#include <malloc.h>
+#include "support/HeapInUse.h"
 
 #include <chrono>
 #include <fstream>
@@ -19,10 +19,7 @@ std::size_t entriesOf(const char* folder) {
 
 } // namespace
 
-Census takeCensus() {
-    const auto heap = mallinfo2();
-    return {entriesOf("/proc/self/task"), entriesOf("/proc/self/fd"), heap.uordblks + heap.hblkhd};
-}
+Census takeCensus() { return {entriesOf("/proc/self/task"), entriesOf("/proc/self/fd"), test::heapInUse()}; }
 
 Census censusOnceSettled(std::size_t threads) {
     const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(5);
