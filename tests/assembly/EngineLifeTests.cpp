@@ -7,7 +7,6 @@
 #include "parameters/core/Scene.h"
 #include "room/ReverbFilterFactory.h"
 #include "support/HeapInUse.h"
-#include "support/RealtimeScope.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -174,8 +173,6 @@ TEST_F(EngineLife, EndsEveryOldEngineOnATaskOfItsOwn) {
 /// Scenes and layouts come round after 64 switches: at the same place, the same memory is held, give or take
 /// what the allocator keeps for its threads.
 TEST_F(EngineLife, LeavesNoMemoryBehindOverAThousandSwitches) {
-    if (!test::RealtimeScope::countingWorks)
-        GTEST_SKIP() << "the sanitizer keeps freed memory for itself, and finds what leaks by other means";
     switches(64);
     const std::size_t before = heldMemory();
     switches(1024);
